@@ -1,0 +1,159 @@
+# One helper per target kind, so that each folder's CMakeLists stays a few lines.
+#
+#   hl_add_library(NAME SOURCES ... [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [INCLUDE_DIR dir])
+#   hl_add_executable(NAME SOURCES ... [DEPS ...])
+#   hl_add_test(NAME SOURCES ... [DEPS ...] [LABELS unit|integration|e2e|visual ...] [ENV K=V ...])
+#   hl_add_qml_test(NAME SOURCES ... [DEPS ...] [QML_DIR dir] [LABELS ...])
+#   hl_add_benchmark(NAME SOURCES ... [DEPS ...])
+include_guard(GLOBAL)
+
+function(hl_apply_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra)
+  if(HL_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()
+
+# A library of a subsystem. Public headers live in <folder>/include, sources anywhere below.
+function(hl_add_library name)
+  cmake_parse_arguments(ARG "" "INCLUDE_DIR;TYPE" "SOURCES;PUBLIC_DEPS;PRIVATE_DEPS" ${ARGN})
+  if(NOT ARG_TYPE)
+    set(ARG_TYPE STATIC)
+  endif()
+  if(NOT ARG_INCLUDE_DIR)
+    set(ARG_INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/include")
+  endif()
+  add_library(${name} ${ARG_TYPE} ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC "${ARG_INCLUDE_DIR}" PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_DEPS} PRIVATE ${ARG_PRIVATE_DEPS})
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  hl_apply_warnings(${name})
+endfunction()
+
+function(hl_add_executable name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE ${ARG_DEPS})
+  hl_apply_warnings(${name})
+endfunction()
+
+# Environment every test runs with: no display, a private runtime directory for the hosted platform.
+set(HL_TEST_ENV
+    "QT_QPA_PLATFORM=offscreen"
+    "QT_QUICK_BACKEND=software"
+    "HL_RUNTIME_DIR=${CMAKE_BINARY_DIR}/test-runtime"
+    "ASAN_OPTIONS=detect_leaks=0:halt_on_error=1"
+    "UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1")
+
+function(hl_add_test name)
+  if(NOT HL_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;DEPS;LABELS;ENV" ${ARGN})
+  if(NOT ARG_LABELS)
+    set(ARG_LABELS unit)
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE ${ARG_DEPS} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name} PRIVATE HL_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+                                             HL_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  hl_apply_warnings(${name})
+  gtest_discover_tests(${name}
+    DISCOVERY_TIMEOUT 60
+    DISCOVERY_MODE PRE_TEST
+    PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT ${ARG_TIMEOUT}
+               ENVIRONMENT "${HL_TEST_ENV};${ARG_ENV}")
+endfunction()
+
+# A Qt Quick Test runner over the tst_*.qml files of QML_DIR.
+function(hl_add_qml_test name)
+  if(NOT HL_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "QML_DIR" "SOURCES;DEPS;LABELS" ${ARGN})
+  if(NOT ARG_LABELS)
+    set(ARG_LABELS unit)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPS} Qt6::QuickTest Qt6::Qml Qt6::Quick)
+  target_compile_definitions(${name} PRIVATE QUICK_TEST_SOURCE_DIR="${ARG_QML_DIR}")
+  hl_apply_warnings(${name})
+  add_test(NAME ${name} COMMAND ${name} -input "${ARG_QML_DIR}")
+  set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 180
+                                          ENVIRONMENT "${HL_TEST_ENV}")
+endfunction()
+
+function(hl_add_benchmark name)
+  if(NOT HL_BUILD_BENCHMARKS OR NOT benchmark_FOUND)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPS} benchmark::benchmark)
+  hl_apply_warnings(${name})
+endfunction()
+
+# The usual shape of a subsystem folder:
+#   include/      public headers
+#   *.cpp, */*.cpp sources (everything below the folder except tests/, tools/ and cmake/)
+#   tests/*_test.cpp   GoogleTest cases, one test executable for the subsystem (hl_<name>_tests);
+#                      tests/support/*.cpp are linked in; tests/main.cpp replaces gtest's main
+#   cmake/*.cmake  extra rules of the subsystem (resources, QML tests, peer programs), included last
+#
+#   hl_add_subsystem(NAME [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [TEST_DEPS ...] [TEST_LABELS ...])
+# makes the library hl_<NAME>.
+function(hl_add_subsystem name)
+  cmake_parse_arguments(ARG "" "" "PUBLIC_DEPS;PRIVATE_DEPS;TEST_DEPS;TEST_LABELS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS
+       "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h"
+       "${CMAKE_CURRENT_SOURCE_DIR}/*.c")
+  list(FILTER sources EXCLUDE REGEX "/(tests|tools|cmake|bench)/")
+  # main.cpp belongs to an executable of the folder, not to its library
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+  if(NOT sources)
+    # header-only for now: an interface library keeps the target usable
+    add_library(hl_${name} INTERFACE)
+    target_include_directories(hl_${name} INTERFACE "${CMAKE_CURRENT_SOURCE_DIR}/include")
+    target_link_libraries(hl_${name} INTERFACE ${ARG_PUBLIC_DEPS})
+  else()
+    hl_add_library(hl_${name} SOURCES ${sources}
+                   PUBLIC_DEPS ${ARG_PUBLIC_DEPS} PRIVATE_DEPS ${ARG_PRIVATE_DEPS})
+  endif()
+
+  file(GLOB test_sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/tests/*_test.cpp")
+  file(GLOB support_sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/*.cpp")
+  if(test_sources AND HL_BUILD_TESTS)
+    if(NOT ARG_TEST_LABELS)
+      set(ARG_TEST_LABELS unit)
+    endif()
+    set(main_source "")
+    if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/tests/main.cpp")
+      set(main_source "${CMAKE_CURRENT_SOURCE_DIR}/tests/main.cpp")
+    endif()
+    add_executable(hl_${name}_tests ${test_sources} ${support_sources} ${main_source})
+    target_include_directories(hl_${name}_tests PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}"
+                               "${CMAKE_CURRENT_SOURCE_DIR}/tests")
+    target_link_libraries(hl_${name}_tests PRIVATE hl_${name} ${ARG_TEST_DEPS} GTest::gtest GTest::gmock)
+    if(NOT main_source)
+      target_link_libraries(hl_${name}_tests PRIVATE GTest::gtest_main)
+    endif()
+    target_compile_definitions(hl_${name}_tests PRIVATE HL_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+                                                        HL_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    hl_apply_warnings(hl_${name}_tests)
+    # Each case runs in a process of its own, so a test may own its QCoreApplication.
+    gtest_discover_tests(hl_${name}_tests
+      DISCOVERY_TIMEOUT 60
+      DISCOVERY_MODE PRE_TEST
+      PROPERTIES LABELS "${ARG_TEST_LABELS}" TIMEOUT 120 ENVIRONMENT "${HL_TEST_ENV}")
+  endif()
+
+  file(GLOB extras CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/cmake/*.cmake")
+  foreach(extra IN LISTS extras)
+    include("${extra}")
+  endforeach()
+endfunction()
