@@ -1,0 +1,19 @@
+#pragma once
+// The guarded log site. Every log statement of the program has this form:
+//
+//   HL_LOG(hos::logger::LogLevel::Info, "Decision {} received", value);
+//
+// The root logger is asked first whether the level is enabled; only then are the arguments
+// formatted (fmt syntax) and handed over with the source file, line and bare function name.
+
+#include <diagnostics/hos_logger.h>
+#include <diagnostics/log_level.h>
+
+#define HL_LOG(level, ...)                                                             \
+  do {                                                                                 \
+    auto& hlRootLogger_ = ::hos::logger::HOSLogger::RootLogger();                      \
+    if (hlRootLogger_.IsEnabled(level)) {                                              \
+      hlRootLogger_.Log((level), __FILE__, __LINE__, static_cast<const char*>(__func__), \
+                        __VA_ARGS__);                                                  \
+    }                                                                                  \
+  } while (false)
