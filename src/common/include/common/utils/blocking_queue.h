@@ -34,8 +34,7 @@ public:
 
     // Appends `value`; returns the number of queued elements after the call.
     template <typename U>
-    unsigned long Push(U&& value)
-    {
+    unsigned long Push(U&& value) {
         std::list<T> node;
         node.emplace_back(std::forward<U>(value));
 
@@ -54,8 +53,7 @@ public:
     // Takes the oldest element into `out`, waiting at most `timeoutMs` (0: without limit).
     // Returns the number of elements taken, 1 or 0; `out` is untouched when 0.
     template <typename U>
-    unsigned long Pop(U& out, unsigned int timeoutMs)
-    {
+    unsigned long Pop(U& out, unsigned int timeoutMs) {
         std::list<T> taken;
         const unsigned long count = PopImpl<Policy::TakeOne>(taken, std::chrono::milliseconds(timeoutMs));
         if (count != 0) {
@@ -67,8 +65,7 @@ public:
     // Moves elements to the end of `out` according to `P`, waiting as Pop does; returns how many
     // were moved.
     template <Policy P>
-    unsigned long PopImpl(std::list<T>& out, std::chrono::milliseconds timeout)
-    {
+    unsigned long PopImpl(std::list<T>& out, std::chrono::milliseconds timeout) {
         static_assert(P == Policy::TakeOne, "only TakeOne is implemented");
 
         std::unique_lock lock(m_mutex);
@@ -93,8 +90,7 @@ public:
     }
 
     // Closes the queue for good; see the class comment for what that changes.
-    void CloseForTesting()
-    {
+    void CloseForTesting() {
         {
             std::lock_guard lock(m_mutex);
             m_closed = true;
@@ -107,7 +103,7 @@ private:
     std::condition_variable m_notEmpty;         // waited on by pops, signalled by pushes
     std::condition_variable m_secondCondition;  // no operation of this queue waits on it yet
     bool m_closed = false;
-    std::list<T> m_items;                       // oldest first
+    std::list<T> m_items;  // oldest first
 };
 
 }  // namespace fdn::utils
