@@ -1,0 +1,13 @@
+# Starts the real executable and reads what it writes; needs the program, so only with main.cpp.
+if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
+  hl_add_test(hl_access_arbiter_e2e_tests
+    SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/process_start_e2e_test.cpp"
+    LABELS e2e
+    TIMEOUT 300)
+  if(TARGET hl_access_arbiter_e2e_tests)
+    # The executable is defined after this file is included; both work with a later target.
+    target_compile_definitions(hl_access_arbiter_e2e_tests
+      PRIVATE HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>")
+    add_dependencies(hl_access_arbiter_e2e_tests access_arbiter)
+  endif()
+endif()

@@ -1,0 +1,58 @@
+// The composition root: every long-lived object is a local of main, made in the numbered order below
+// and destroyed in reverse. A later subsystem goes in at its own number.
+
+#include <access_arbiter/config/logger_config.h>
+#include <access_arbiter/interactors/user_decision_interactor.h>
+#include <common/utils/i_task_executor.h>
+#include <common/utils/qt_ui_task_executor.h>
+#include <common_utils/app_utils/get_app_name.h>
+#include <common_utils_ui/app_shutdown/qt_app_shutdown.h>
+#include <diagnostics/hos_logger.h>
+#include <diagnostics/log.h>
+#include <diagnostics/process_exception.h>
+#include <diagnostics/qt_logger_support.h>
+
+#include <QGuiApplication>
+
+#include <memory>
+#include <string_view>
+
+int main(int argc, char** argv) {
+    // 1. application name; handles its own failure, so it stands before the try
+    [[maybe_unused]] const std::string_view appName =
+        common_utils::app_utils::GetAppNameOrDefault(argc, const_cast<const char**>(argv), "AccessArbiter");
+
+    try {
+        // 5. logger, and Qt's own messages routed into it
+        hos::logger::HOSLogger::Setup("ACCESSARB", access_arbiter::config::logger::impl::logLevel, nullptr);
+        qInstallMessageHandler(QtLoggerSupport::MessageHandler);
+
+        // 6. Qt application; this thread is the Qt main thread from here on
+        QGuiApplication app(argc, argv);
+
+        // 14. task executor and shutdown; the shutdown stands ready, nothing calls it
+        auto taskExecutor = std::make_shared<common::utils::QtUiTaskExecutor>();
+        auto appShutdown = std::make_shared<vdi::common_utils_ui::app_shutdown::QtAppShutdown>(
+            std::shared_ptr<common::utils::ITaskExecutor>(taskExecutor));
+
+        // 15. decision queue between the dialog and the IPC side
+        auto interactor = std::make_shared<access_arbiter::interactors::UserDecisionInteractor>();
+
+        // 17. written here on purpose, before the window and the IPC side exist
+        HL_LOG(hos::logger::LogLevel::Info, "[main] AccessArbiter is ready");
+
+        // 22. event loop
+        const int exitCode = QGuiApplication::exec();
+
+        // 23.
+        HL_LOG(hos::logger::LogLevel::Info, "AccessArbiter stopped with code {}", exitCode);
+
+        // 25. leaving the try destroys the locals in reverse order
+        return exitCode;
+    } catch (...) {
+        const auto [code, message] = fdn::utils::ProcessException();
+        HL_LOG(hos::logger::LogLevel::Critical, "AccessArbiter start with error: {} with result: {}", message,
+               code);
+        return 1;
+    }
+}
