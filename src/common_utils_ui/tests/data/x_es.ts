@@ -1,0 +1,11 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es_MX">
+<context>
+    <name>test</name>
+    <message>
+        <source>hello</source>
+        <translation>hola</translation>
+    </message>
+</context>
+</TS>
