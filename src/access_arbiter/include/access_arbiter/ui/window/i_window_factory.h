@@ -1,0 +1,17 @@
+#pragma once
+
+#include <access_arbiter/ui/window/i_window.h>
+
+#include <memory>
+
+namespace windows::components {
+
+// Builds windows. CreateWindow runs on the Qt main thread and reports failure by an empty pointer.
+class IWindowFactory {
+public:
+    virtual ~IWindowFactory() = default;
+
+    virtual std::shared_ptr<IWindow> CreateWindow() noexcept = 0;
+};
+
+}  // namespace windows::components
