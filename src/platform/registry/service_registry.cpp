@@ -1,0 +1,158 @@
+#include "registry/service_registry.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include <diagnostics/log.h>
+#include <platform/nk_result.h>
+#include <platform/runtime_directory.h>
+
+namespace hos::platform {
+namespace {
+
+using hos::logger::LogLevel;
+
+constexpr size_t kMaxNameLength = 200;
+
+std::vector<std::string> ListDirectory(const std::string& path)
+{
+    std::vector<std::string> names;
+    DIR* dir = ::opendir(path.c_str());
+    if (dir == nullptr) {
+        return names;
+    }
+    while (const dirent* item = ::readdir(dir)) {
+        const std::string name = item->d_name;
+        if (IsValidPlatformName(name)) {
+            names.push_back(name);
+        }
+    }
+    ::closedir(dir);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::optional<RegistryEntry> ReadEntry(const std::string& root, const std::string& type)
+{
+    std::ifstream file(root + "/registry/" + type);
+    if (!file) {
+        return std::nullopt;
+    }
+    RegistryEntry entry;
+    entry.type = type;
+    std::string line;
+    while (std::getline(file, line)) {
+        const auto equals = line.find('=');
+        if (equals == std::string::npos) {
+            continue;
+        }
+        const std::string key = line.substr(0, equals);
+        const std::string value = line.substr(equals + 1);
+        if (key == "server") {
+            entry.server = value;
+        } else if (key == "endpoint") {
+            entry.endpoint = value;
+        } else if (key == "pid") {
+            entry.pid = static_cast<pid_t>(std::strtol(value.c_str(), nullptr, 10));
+        }
+    }
+    if (!IsValidPlatformName(entry.server) || !IsValidPlatformName(entry.endpoint)) {
+        HL_LOG(LogLevel::Warning, "Registry entry {} is malformed and is ignored", type);
+        return std::nullopt;
+    }
+    return entry;
+}
+
+}  // namespace
+
+bool IsValidPlatformName(std::string_view name)
+{
+    if (name.empty() || name.size() > kMaxNameLength || name.front() == '.') {
+        return false;
+    }
+    return std::all_of(name.begin(), name.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               c == '.' || c == '_' || c == '-';
+    });
+}
+
+std::shared_ptr<IServiceRegistry> CreateServiceRegistry()
+{
+    return std::make_shared<ServiceRegistry>();
+}
+
+int ServiceRegistry::Publish(const RegistryEntry& entry)
+{
+    if (!IsValidPlatformName(entry.type) || !IsValidPlatformName(entry.server) ||
+        !IsValidPlatformName(entry.endpoint)) {
+        HL_LOG(LogLevel::Error, "Registry: refusing to publish \"{}\" -> \"{}\":\"{}\": invalid name",
+               entry.type, entry.server, entry.endpoint);
+        return NK_EINVAL;
+    }
+    const auto root = runtime_directory::Ensure();
+    if (!root) {
+        return NK_EFAIL;
+    }
+    const pid_t pid = entry.pid != 0 ? entry.pid : ::getpid();
+    const std::string finalPath = *root + "/registry/" + entry.type;
+    const std::string tempPath = *root + "/registry/." + entry.type + "." + std::to_string(::getpid());
+    {
+        std::ofstream file(tempPath, std::ios::trunc);
+        file << "server=" << entry.server << "\nendpoint=" << entry.endpoint << "\npid=" << pid
+             << "\n";
+        if (!file.flush()) {
+            HL_LOG(LogLevel::Error, "Registry: cannot write {}", tempPath);
+            ::unlink(tempPath.c_str());
+            return NK_EFAIL;
+        }
+    }
+    if (std::rename(tempPath.c_str(), finalPath.c_str()) != 0) {
+        HL_LOG(LogLevel::Error, "Registry: cannot publish {}: {}", finalPath, std::strerror(errno));
+        ::unlink(tempPath.c_str());
+        return NK_EFAIL;
+    }
+    return NK_EOK;
+}
+
+int ServiceRegistry::Unpublish(std::string_view type)
+{
+    if (!IsValidPlatformName(type)) {
+        return NK_EINVAL;
+    }
+    const std::string path = runtime_directory::Path() + "/registry/" + std::string(type);
+    return ::unlink(path.c_str()) == 0 ? NK_EOK : NK_ENOTFOUND;
+}
+
+std::optional<RegistryEntry> ServiceRegistry::Find(std::string_view type) const
+{
+    if (!IsValidPlatformName(type)) {
+        return std::nullopt;
+    }
+    return ReadEntry(runtime_directory::Path(), std::string(type));
+}
+
+std::vector<RegistryEntry> ServiceRegistry::List() const
+{
+    const std::string root = runtime_directory::Path();
+    std::vector<RegistryEntry> entries;
+    for (const auto& type : ListDirectory(root + "/registry")) {
+        if (auto entry = ReadEntry(root, type)) {
+            entries.push_back(std::move(*entry));
+        }
+    }
+    return entries;
+}
+
+std::vector<std::string> ServiceRegistry::ListServers() const
+{
+    return ListDirectory(runtime_directory::Path() + "/servers");
+}
+
+}  // namespace hos::platform
