@@ -3,6 +3,7 @@
 #include <ipc_runtime/i_ipc_allocator.h>
 
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 namespace hosipc_detail::api_v1 {
@@ -19,9 +20,14 @@ public:
         if (object == nullptr) {
             return;
         }
+        void* memory = object;
+        if constexpr (std::is_polymorphic_v<T>) {
+            // The allocation began at the most derived object, which a base pointer need not point at.
+            memory = dynamic_cast<void*>(object);
+        }
         object->~T();
         if (m_allocator) {
-            m_allocator->Deallocate(object);
+            m_allocator->Deallocate(memory);
         }
     }
 

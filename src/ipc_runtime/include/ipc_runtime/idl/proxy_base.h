@@ -1,0 +1,124 @@
+#pragma once
+
+#include <ipc_runtime/endpoint_handle.h>
+#include <ipc_runtime/idl/interface_description.h>
+#include <ipc_runtime/shared_resource_provider.h>
+
+#include <platform/nk_transport.h>
+
+#include <array>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <utility>
+
+namespace hosipc_detail::idl_traits {
+
+// Client side of the IDL interface T. Specialised per interface as a class deriving from ProxyBase<T>
+// whose overrides forward to Invoke with the method's description.
+template <typename T>
+class Proxy;
+
+// A message of Size bytes on the stack, zeroed: the header, then the handle descriptors and fields.
+template <std::uint32_t Size>
+struct MessageBuffer {
+    static_assert(Size >= MessageHeader::kHeaderSize);
+    nk_message header{};
+    std::array<unsigned char, Size - MessageHeader::kHeaderSize> fields{};
+
+    nk_message* Get() { return &header; }
+};
+
+// What every generated proxy has: the endpoint it owns, a share of the runtime's resources and the
+// platform transport over the endpoint's handle, whose timeouts are all "no limit". A call blocks the
+// calling thread until the reply has come. One thread at a time; no lock.
+template <typename T>
+class ProxyBase : public T {
+public:
+    using Description = InterfaceDescription<T>;
+
+    ProxyBase(api_v1::EndpointHandle endpoint, api_v1::SharedResourceProvider resources)
+        : m_endpoint(std::move(endpoint)), m_resources(std::move(resources)) {
+        NkHosTransport_Init(&m_transport, m_endpoint.GetHandle(), nullptr, 0);
+    }
+
+    ProxyBase(const ProxyBase&) = delete;
+    ProxyBase& operator=(const ProxyBase&) = delete;
+
+    const api_v1::EndpointHandle& GetEndpoint() const { return m_endpoint; }
+    const api_v1::SharedResourceProvider& GetResources() const { return m_resources; }
+
+    // Lets a test put a transport of its own under the proxy.
+    NkHosTransport& TransportForTesting() { return m_transport; }
+
+protected:
+    // Sends the request of method M built from the leading arguments (the inputs), waits for the
+    // response and stores its fields into the trailing arguments (the outputs). Throws
+    // std::runtime_error "<prefix><Method> transport error" when the transport fails and
+    // "<prefix><Method> server error" when the server did; std::length_error "?" or std::runtime_error
+    // "failed to allocate space in the arena" for an input that doesn't fit, before anything is sent.
+    template <typename M, typename... Args>
+    void Invoke(Args&&... args) {
+        auto arguments = std::forward_as_tuple(std::forward<Args>(args)...);
+        InvokeFields<M>(typename M::Request{}, typename M::Response{}, arguments);
+    }
+
+private:
+    template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS, typename... Out,
+              typename Arguments>
+    void InvokeFields(Request<RS, RA, In...>, Response<PS, Out...>, Arguments& arguments) {
+        static_assert(std::tuple_size_v<Arguments> == sizeof...(In) + sizeof...(Out),
+                      "a proxy method must pass every input and output");
+        MessageBuffer<RS> request;
+        MessageHeader::SetIid(request.Get(), m_endpoint.GetRiid());
+        MessageHeader::SetMid(request.Get(), M::kMid);
+        MessageHeader::SetSizeWord(request.Get(), MessageHeader::MakeSizeWord(RS, 0));
+        // The transport takes the room for the response, handles included, from its size word.
+        MessageBuffer<PS> response;
+        MessageHeader::SetIid(response.Get(), m_endpoint.GetRiid());
+        MessageHeader::SetMid(response.Get(), M::kMid);
+        MessageHeader::SetSizeWord(response.Get(), Response<PS, Out...>::kSizeWord);
+
+        std::unique_ptr<unsigned char[]> arenaMemory(RA == 0 ? nullptr : new unsigned char[RA]());
+        nk_arena requestArena{arenaMemory.get(), arenaMemory.get(), arenaMemory.get() + RA};
+        nk_arena responseArena{nullptr, nullptr, nullptr};
+        PackInputs<In...>(request.Get(), &requestArena, arguments, std::index_sequence_for<In...>{});
+
+        const int result = m_transport.ops->call(&m_transport, request.Get(), &requestArena, response.Get(),
+                                                 &responseArena);
+        if (result != 0) {
+            throw std::runtime_error(FailureText<M>(" transport error"));
+        }
+        if (MessageHeader::IsServerFailure(response.Get())) {
+            throw std::runtime_error(FailureText<M>(" server error"));
+        }
+        LoadOutputs<sizeof...(In), Out...>(response.Get(), arguments, std::index_sequence_for<Out...>{});
+    }
+
+    template <typename... In, typename Arguments, std::size_t... I>
+    static void PackInputs([[maybe_unused]] nk_message* request, [[maybe_unused]] nk_arena* arena,
+                           [[maybe_unused]] Arguments& arguments, std::index_sequence<I...>) {
+        (In::Pack(request, std::get<I>(arguments), arena), ...);
+    }
+
+    template <std::size_t First, typename... Out, typename Arguments, std::size_t... O>
+    static void LoadOutputs([[maybe_unused]] const nk_message* response, [[maybe_unused]] Arguments& arguments,
+                            std::index_sequence<O...>) {
+        (Out::Load(response, std::get<First + O>(arguments)), ...);
+    }
+
+    template <typename M>
+    static std::string FailureText(std::string_view suffix) {
+        std::string text(Description::kFailurePrefix);
+        text += M::kName;
+        text += suffix;
+        return text;
+    }
+
+    api_v1::EndpointHandle m_endpoint;
+    api_v1::SharedResourceProvider m_resources;
+    NkHosTransport m_transport{};
+};
+
+}  // namespace hosipc_detail::idl_traits

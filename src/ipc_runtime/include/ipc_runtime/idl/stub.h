@@ -1,0 +1,83 @@
+#pragma once
+
+#include <ipc_runtime/i_dispatcher.h>
+#include <ipc_runtime/idl/interface_description.h>
+#include <ipc_runtime/shared_resource_provider.h>
+
+#include <cstdio>
+#include <stdexcept>
+#include <tuple>
+#include <utility>
+
+namespace hosipc_detail::idl_traits {
+
+// Server side of the IDL interface T, produced from InterfaceDescription<T>. Calls the implementation
+// for each known request and writes its outputs into the response. The implementation isn't owned and
+// must outlive the stub; the stub runs on the server loop's thread only and has no lock.
+template <typename T>
+class Stub final : public api_v1::IDispatcher {
+public:
+    Stub(T* implementation, api_v1::SharedResourceProvider resources)
+        : m_implementation(implementation), m_resources(std::move(resources)) {}
+
+    // A request of an unknown method leaves the response as the caller prepared it. Otherwise the
+    // response gets the request's iid, the method's mid and either the outputs with the response's size
+    // word, or, when the implementation threw (or the request was malformed), the bare failure word
+    // 0x80000018. Exceptions of the implementation are swallowed without a trace.
+    void DispatchRequest(unsigned short /*riid*/, const nk_message* request, const nk_arena* requestArena,
+                         nk_message* response, nk_arena* /*responseArena*/) override {
+        Dispatch(typename InterfaceDescription<T>::Methods{}, request, requestArena, response);
+    }
+
+private:
+    template <typename... Methods>
+    void Dispatch(MethodList<Methods...>, const nk_message* request, const nk_arena* requestArena,
+                  nk_message* response) {
+        const std::uint16_t mid = MessageHeader::Mid(request);
+        (void)((Methods::kMid == mid && (Serve<Methods>(request, requestArena, response), true)) || ...);
+    }
+
+    template <typename M>
+    void Serve(const nk_message* request, const nk_arena* requestArena, nk_message* response) {
+        const std::uint16_t iid = MessageHeader::Iid(request);
+        try {
+            ServeFields<M>(typename M::Request{}, typename M::Response{}, request, requestArena, response);
+            MessageHeader::SetSizeWord(response, M::Response::kSizeWord);
+        } catch (...) {
+            MessageHeader::SetSizeWord(response, MessageHeader::kServerFailureWord);
+        }
+        MessageHeader::SetIid(response, iid);
+        MessageHeader::SetMid(response, M::kMid);
+    }
+
+    template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS, typename... Out>
+    void ServeFields(Request<RS, RA, In...>, Response<PS, Out...>, const nk_message* request,
+                     [[maybe_unused]] const nk_arena* requestArena, nk_message* response) {
+        if (MessageHeader::Size(request) < RS) {
+            std::fprintf(stderr, "hosipc: request of %.*s is %u bytes, expected %u\n",
+                         static_cast<int>(M::kName.size()), M::kName.data(), MessageHeader::Size(request), RS);
+            throw std::runtime_error("malformed request");
+        }
+        std::tuple<typename In::Value...> inputs{In::Unpack(request, requestArena)...};
+        std::tuple<typename Out::Value...> outputs{};
+        Call<M>(inputs, outputs, std::index_sequence_for<In...>{}, std::index_sequence_for<Out...>{});
+        StoreOutputs<Out...>(response, outputs, std::index_sequence_for<Out...>{});
+    }
+
+    template <typename M, typename Inputs, typename Outputs, std::size_t... I, std::size_t... O>
+    void Call(Inputs& inputs, Outputs& outputs, std::index_sequence<I...>, std::index_sequence<O...>) {
+        (m_implementation->*M::kFunction)(std::get<I>(inputs)..., std::get<O>(outputs)...);
+    }
+
+    template <typename... Out, typename Outputs, std::size_t... O>
+    static void StoreOutputs([[maybe_unused]] nk_message* response, [[maybe_unused]] const Outputs& outputs,
+                             std::index_sequence<O...>) {
+        (Out::Store(response, std::get<O>(outputs)), ...);
+    }
+
+    T* m_implementation;
+    // Keeps the runtime's resources alive for as long as the stub serves; not read by the stub.
+    api_v1::SharedResourceProvider m_resources;
+};
+
+}  // namespace hosipc_detail::idl_traits
