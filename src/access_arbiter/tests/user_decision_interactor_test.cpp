@@ -66,18 +66,6 @@ TEST(UserDecisionInteractor, GetThroughTheGetterHalfBlocksUntilASetFromAnotherTh
     EXPECT_EQ(request.get(), std::make_pair(0, UserDecision::Approve));
 }
 
-TEST(UserDecisionInteractor, DecisionSetWhileNobodyWaitsAnswersTheNextGetAtOnce) {
-    UserDecisionInteractor interactor;
-    interactor.SetUserDecision(UserDecision::Approve);
-    auto request = std::async(std::launch::async, [&interactor] {
-        UserDecision decision = UserDecision::Decline;
-        interactor.GetUserDecision(decision);
-        return decision;
-    });
-    ASSERT_EQ(request.wait_for(kGenerousTimeout), std::future_status::ready);
-    EXPECT_EQ(request.get(), UserDecision::Approve);
-}
-
 TEST(UserDecisionInteractor, ClosedQueueDropsSetsAndGetReturnsSuccessWithDecisionUntouched) {
     hos::logger::LogCaptureForTesting capture;
     UserDecisionInteractor interactor;
