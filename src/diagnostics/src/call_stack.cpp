@@ -16,13 +16,24 @@ std::atomic<BacktraceFunction> g_backtrace{nullptr};
   return function != nullptr ? function(buffer, size) : ::backtrace(buffer, size);
 }
 
-types::vector_t<std::uint64_t> Keep(void* const* frames, int count, std::size_t skip) {
+// Drops the frames of the capture itself: everything up to the address at which the capture returns
+// to its caller. backtrace may be wrapped (a sanitizer intercepts it and adds a frame), so that
+// address is searched for; when it isn't there (a replaced backtrace) only the first frame goes.
+types::vector_t<std::uint64_t> Keep(void* const* frames, int count, std::size_t skip, const void* returnAddress) {
   types::vector_t<std::uint64_t> result;
+  std::size_t own = 1;
+  for (int i = 0; i < count; ++i) {
+    if (frames[i] == returnAddress) {
+      own = static_cast<std::size_t>(i);
+      break;
+    }
+  }
+  skip += own;
   if (count <= 0 || static_cast<std::size_t>(count) <= skip) {
     return result;
   }
   result.reserve(static_cast<std::size_t>(count) - skip);
-  for (auto i = static_cast<int>(skip); i < count; ++i) {
+  for (auto i = skip; i < static_cast<std::size_t>(count); ++i) {
     result.push_back(reinterpret_cast<std::uintptr_t>(frames[i]));
   }
   return result;
@@ -31,13 +42,12 @@ types::vector_t<std::uint64_t> Keep(void* const* frames, int count, std::size_t 
 }  // namespace
 
 [[gnu::noinline]] types::vector_t<std::uint64_t> CaptureCallStack(std::size_t skip) {
-  // backtrace's first address lies in this function; the caller is next.
-  skip += 1;
+  const void* const returnAddress = __builtin_return_address(0);
   constexpr int kStackFrames = 64;
   void* onStack[kStackFrames];
   int count = Backtrace(onStack, kStackFrames);
   if (count < kStackFrames) {
-    return Keep(onStack, count, skip);
+    return Keep(onStack, count, skip, returnAddress);
   }
   int size = kStackFrames;
   std::unique_ptr<void*[]> onHeap;
@@ -46,7 +56,7 @@ types::vector_t<std::uint64_t> Keep(void* const* frames, int count, std::size_t 
     onHeap = std::make_unique<void*[]>(static_cast<std::size_t>(size));
     count = Backtrace(onHeap.get(), size);
   } while (count >= size);
-  return Keep(onHeap.get(), count, skip);
+  return Keep(onHeap.get(), count, skip, returnAddress);
 }
 
 BacktraceFunction SetBacktraceFunctionForTesting(BacktraceFunction function) {

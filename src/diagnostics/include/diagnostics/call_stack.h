@@ -32,8 +32,7 @@ struct call_stack_context {
 using BacktraceFunction = int (*)(void** buffer, int size);
 
 // Captures the call stack and drops the skip innermost frames; without skipping, the first frame
-// is the caller of this function (backtrace's first address, which lies in this function, is
-// always dropped). Starts with room for 64 addresses on the stack and doubles on the heap for as
+// is the caller of this function (the frames of the capture itself are always dropped). Starts with room for 64 addresses on the stack and doubles on the heap for as
 // long as the buffer comes back full. Never inlined, so the frame count stays fixed.
 types::vector_t<std::uint64_t> CaptureCallStack(std::size_t skip);
 
