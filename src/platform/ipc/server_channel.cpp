@@ -238,8 +238,9 @@ void ServerChannel::AcceptClients()
             HL_LOG(LogLevel::Warning,
                    "Server {}: refusing a peer of uid {} (pid {}): only uid {} may connect", m_name,
                    credentials.uid, credentials.pid, m_allowedUid);
-            Refuse(*connection, nullptr, 0, NK_EACCESS, "peer of another user");
-            continue;
+            // Kept until its first frame has been read and refused: closing a socket with unread
+            // data would reset the peer before it could read why.
+            connection->refused = true;
         }
         TuneSocketBuffers(connection->fd.Get());
         std::lock_guard lock(m_mutex);
@@ -252,6 +253,13 @@ void ServerChannel::ServeClient(const std::shared_ptr<Connection>& connection)
 {
     std::vector<UniqueFd> fds;
     const ReadResult read = ReadPacket(connection->fd.Get(), m_buffer, fds);
+    if (connection->refused && read.status != ReadStatus::WouldBlock) {
+        if (read.status != ReadStatus::Closed && read.status != ReadStatus::Failed) {
+            Refuse(*connection, m_buffer.data(), read.length, NK_EACCESS, "peer of another user");
+        }
+        Drop(connection->id);
+        return;
+    }
     switch (read.status) {
     case ReadStatus::WouldBlock:
         return;

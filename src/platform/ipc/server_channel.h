@@ -67,6 +67,7 @@ private:
         uint64_t id = 0;
         UniqueFd fd;
         uint32_t queued = 0;
+        bool refused = false; // a peer of another user: its first frame is refused, then it goes
     };
     struct QueuedRequest {
         std::shared_ptr<Connection> connection;

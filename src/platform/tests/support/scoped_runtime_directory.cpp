@@ -1,0 +1,37 @@
+#include "support/scoped_runtime_directory.h"
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
+namespace hos::platform::testing {
+
+ScopedRuntimeDirectory::ScopedRuntimeDirectory()
+{
+    const char* previous = std::getenv("HL_RUNTIME_DIR");
+    m_hadPrevious = previous != nullptr;
+    std::string base = m_hadPrevious ? previous : "/tmp";
+    std::filesystem::create_directories(base);
+    std::string pattern = base + "/hlp-XXXXXX";
+    if (::mkdtemp(pattern.data()) == nullptr) {
+        throw std::runtime_error("mkdtemp failed under " + base);
+    }
+    m_previous = m_hadPrevious ? previous : "";
+    m_path = pattern;
+    ::setenv("HL_RUNTIME_DIR", m_path.c_str(), 1);
+}
+
+ScopedRuntimeDirectory::~ScopedRuntimeDirectory()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+    if (m_hadPrevious) {
+        ::setenv("HL_RUNTIME_DIR", m_previous.c_str(), 1);
+    } else {
+        ::unsetenv("HL_RUNTIME_DIR");
+    }
+}
+
+}  // namespace hos::platform::testing
