@@ -24,6 +24,11 @@ using hos::logger::LogCaptureForTesting;
 using hos::logger::LogLevel;
 using hos::logger::LogRecord;
 
+// Puts the root logger back into its state before Setup when a test that calls Setup ends.
+struct DefaultSetupRestorer {
+  ~DefaultSetupRestorer() { HOSLogger::Setup("HL", LogLevel::Info, nullptr); }
+};
+
 // Each test case runs in a process of its own, so this one sees the logger before any Setup.
 TEST(HOSLogger, BeforeSetupUsesDefaultTagAtInfo) {
   HOSLogger& logger = HOSLogger::RootLogger();
@@ -103,6 +108,7 @@ TEST(HOSLogger, LogImplWritesWhateverTheLevel) {
 }
 
 TEST(HOSLogger, SetupSetsTagAndLevelAndCaptureStaysInFront) {
+  DefaultSetupRestorer restorer;
   LogCaptureForTesting capture;
   HOSLogger::Setup("ACCESSARB", LogLevel::Info, nullptr);
   HOSLogger& logger = HOSLogger::RootLogger();
@@ -124,6 +130,7 @@ class CollectingImpl : public hos::logger::DefaultLoggerImpl {
 
 TEST(HOSLogger, SetupWithImplRoutesLinesThereOnceTheCaptureEnds) {
   std::vector<LogRecord> written;
+  DefaultSetupRestorer restorer;  // declared after written: the impl goes before the vector
   {
     LogCaptureForTesting capture;
     HOSLogger::Setup("TAG", LogLevel::Debug, std::make_unique<CollectingImpl>(&written));
@@ -137,7 +144,6 @@ TEST(HOSLogger, SetupWithImplRoutesLinesThereOnceTheCaptureEnds) {
   ASSERT_EQ(written.size(), 1u);
   EXPECT_EQ(written[0].message, "to the impl 1");
   EXPECT_EQ(written[0].tag, "TAG");
-  HOSLogger::Setup("HL", LogLevel::Info, nullptr);
 }
 
 TEST(LogCaptureForTesting, RestoresLevelAndOuterCaptureWhenDestroyed) {
@@ -243,6 +249,7 @@ class StderrRedirect {
 };
 
 TEST(HOSLogger, DefaultOutputWritesOneWellFormedLineToStandardError) {
+  DefaultSetupRestorer restorer;
   HOSLogger::Setup("ACCESSARB", LogLevel::Info, nullptr);
   StderrRedirect redirect;
   HL_LOG(LogLevel::Info, "Decision {} received", 1);

@@ -28,7 +28,9 @@ class Tracer {
   // Called once at exit with scratch storage that the returned view may point into.
   using Postfix = std::function<std::string_view(std::string&)>;
 
-  // Renders args into args_format (unless it is empty) and writes the entry line.
+  // Renders args into args_format (unless it is empty) and writes the entry line. args_format is
+  // always a format, also without args: pass user text as "{}" and an argument. The arguments are
+  // rendered whatever the level, since a raised level may need them at exit.
   template <typename... Args>
   Tracer(std::string_view tag, std::string_view method, hos::logger::LogLevel level, Postfix postfix,
          std::string_view args_format, Args&&... args)
