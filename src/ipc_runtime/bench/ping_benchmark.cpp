@@ -17,7 +17,8 @@ using hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog;
 
 void BM_PingRoundTrip(benchmark::State& state) {
     ipc_runtime_test::ScopedRuntimeDirectory directory;
-    auto server = ipc_runtime_test::ServerProcess::Start(HL_IPC_WATCHDOG_SERVER, "hl.app_manager.BenchManager");
+    auto server =
+        ipc_runtime_test::ServerProcess::Start(HL_IPC_WATCHDOG_SERVER, "hl.app_manager.BenchManager");
     if (!server) {
         state.SkipWithError("the watchdog server didn't come up");
         return;

@@ -2,10 +2,11 @@
 
 namespace hosipc_detail::idl_traits {
 
-std::unique_ptr<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog, api_v1::IpcDeleter> MakeProxyImpl(
-    const hosipc::api_v1::IConnector& connector, const api_v1::SharedResourceProvider& resources,
-    ProxyBait<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog>* /*bait*/) {
-    return MakeGeneratedProxy<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog>(connector, resources);
+std::unique_ptr<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog, api_v1::IpcDeleter>
+MakeProxyImpl(const hosipc::api_v1::IConnector& connector, const api_v1::SharedResourceProvider& resources,
+              ProxyBait<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog>* /*bait*/) {
+    return MakeGeneratedProxy<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog>(connector,
+                                                                                            resources);
 }
 
 }  // namespace hosipc_detail::idl_traits

@@ -65,8 +65,8 @@ public:
 class WatchdogProxyTest : public testing::Test {
 protected:
     void SetUp() override {
-        m_proxy = hosipc_detail::idl_traits::MakeProxyImpl(m_connector, m_resources,
-                                                           static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
+        m_proxy = hosipc_detail::idl_traits::MakeProxyImpl(
+            m_connector, m_resources, static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
         ASSERT_NE(m_proxy, nullptr);
     }
 
@@ -99,7 +99,8 @@ TEST_F(WatchdogProxyTest, PingRequestHasTheWireLayoutAndRcComesFromOffset24) {
     EXPECT_EQ(ReadAt<std::uint16_t>(request.data(), 0), kRiid);
     EXPECT_EQ(ReadAt<std::uint16_t>(request.data(), 2), 0);
     EXPECT_EQ(ReadAt<std::uint32_t>(request.data(), 4), 0x20U);
-    EXPECT_EQ(std::vector<unsigned char>(request.begin() + 8, request.begin() + 24), std::vector<unsigned char>(16, 0));
+    EXPECT_EQ(std::vector<unsigned char>(request.begin() + 8, request.begin() + 24),
+              std::vector<unsigned char>(16, 0));
     EXPECT_EQ(ReadAt<std::uint32_t>(request.data(), 24), 0U);
     EXPECT_EQ(ReadAt<std::uint32_t>(request.data(), 28), 13U);
     EXPECT_EQ(transport.LastArena(), Name("AccessArbiter"));
@@ -108,7 +109,8 @@ TEST_F(WatchdogProxyTest, PingRequestHasTheWireLayoutAndRcComesFromOffset24) {
 }
 
 TEST_F(WatchdogProxyTest, TransportFailureThrowsTransportText) {
-    FakeTransport transport([](const nk_message*, const nk_arena*, nk_message*, nk_arena*) { return NK_ECLOSED; });
+    FakeTransport transport(
+        [](const nk_message*, const nk_arena*, nk_message*, nk_arena*) { return NK_ECLOSED; });
     Attach(transport);
     int rc = 0;
 
@@ -163,8 +165,8 @@ TEST(MakeProxyImpl, ConnectFailureThrowsTheConnectText) {
 TEST(MakeProxyImpl, ProxySharesTheProviderUntilDestroyed) {
     SharedResourceProvider resources = MakeResources();
     const FakeConnector connector(0, kRiid);
-    auto proxy = hosipc_detail::idl_traits::MakeProxyImpl(connector, resources,
-                                                          static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
+    auto proxy = hosipc_detail::idl_traits::MakeProxyImpl(
+        connector, resources, static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
 
     EXPECT_EQ(resources.UseCount(), 2);
     EXPECT_EQ(static_cast<Proxy<ApplicationWatchdog>&>(*proxy).GetEndpoint().GetRiid(), kRiid);
@@ -183,7 +185,8 @@ protected:
     }
 
     // A Ping request as a client would send it, with name at arena offset nameOffset.
-    void PrepareRequest(std::uint16_t iid, std::uint16_t mid, const std::string& name, std::uint32_t nameOffset = 0) {
+    void PrepareRequest(std::uint16_t iid, std::uint16_t mid, const std::string& name,
+                        std::uint32_t nameOffset = 0) {
         m_request.fill(0);
         WriteAt<std::uint16_t>(m_request.data(), 0, iid);
         WriteAt<std::uint16_t>(m_request.data(), 2, mid);
@@ -278,14 +281,14 @@ TEST(WatchdogProxyAndStub, LoopbackPingCarriesNameAndRc) {
     RecordingWatchdog implementation;
     implementation.answer = -3;
     Stub<ApplicationWatchdog> stub(&implementation, MakeResources());
-    FakeTransport transport([&stub](const nk_message* request, const nk_arena* requestArena, nk_message* response,
-                                    nk_arena* responseArena) {
+    FakeTransport transport([&stub](const nk_message* request, const nk_arena* requestArena,
+                                    nk_message* response, nk_arena* responseArena) {
         stub.DispatchRequest(0, request, requestArena, response, responseArena);
         return 0;
     });
     const FakeConnector connector(0, kRiid);
-    auto proxy = hosipc_detail::idl_traits::MakeProxyImpl(connector, MakeResources(),
-                                                          static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
+    auto proxy = hosipc_detail::idl_traits::MakeProxyImpl(
+        connector, MakeResources(), static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
     transport.Attach(static_cast<Proxy<ApplicationWatchdog>&>(*proxy).TransportForTesting());
     int rc = 0;
 

@@ -132,9 +132,10 @@ TEST_F(ConnectionBuilderTest, RiidOverUint16ClosesTheHandleAndLeavesTheEndpointE
     EXPECT_EQ(endpoint.GetRiid(), EndpointHandle::kInvalidRiid);
     EXPECT_FALSE(endpoint.IsOwned());
     ASSERT_EQ(m_logger->lines.size(), 1U);
-    EXPECT_EQ(m_logger->lines[0],
-              "Invalid riid for \"hl.app_manager.Server\":\"app_manager.applicationWatchdog\" because 65536 > "
-              "UINT16_MAX\n");
+    EXPECT_EQ(
+        m_logger->lines[0],
+        "Invalid riid for \"hl.app_manager.Server\":\"app_manager.applicationWatchdog\" because 65536 > "
+        "UINT16_MAX\n");
 }
 
 TEST_F(ConnectionBuilderTest, LargestRiidIsAccepted) {

@@ -37,7 +37,8 @@ struct InterfaceDescription<test_idl::Sampler> {
 
     using TakeHandle = Method<"TakeHandle", 0, &Interface::TakeHandle, Request<32, 128, SequenceArg<24>>,
                               Response<40, HandleArg<24>>>;
-    using Decide = Method<"Decide", 1, &Interface::Decide, Request<24, 0>, Response<32, ValueArg<unsigned char, 24>>>;
+    using Decide =
+        Method<"Decide", 1, &Interface::Decide, Request<24, 0>, Response<32, ValueArg<unsigned char, 24>>>;
     using Report = Method<"Report", 3, &Interface::Report,
                           Request<48, 384, SequenceArg<24>, SequenceArg<32>, SequenceArg<40>>,
                           Response<32, ValueArg<std::int32_t, 24>>>;
@@ -97,7 +98,8 @@ public:
     void Report(const std::vector<unsigned char>& name, const std::vector<unsigned char>& error,
                 const std::vector<unsigned char>& details, int& rc) override {
         calls.push_back("Report " + std::string(name.begin(), name.end()) + "|" +
-                        std::string(error.begin(), error.end()) + "|" + std::string(details.begin(), details.end()));
+                        std::string(error.begin(), error.end()) + "|" +
+                        std::string(details.begin(), details.end()));
         rc = 11;
     }
     void ChangeState(const std::vector<unsigned char>& name, std::int64_t state, int& rc) override {
@@ -117,12 +119,13 @@ protected:
         m_transport.Attach(static_cast<Proxy<test_idl::Sampler>&>(*m_proxy).TransportForTesting());
     }
 
-    hosipc_detail::api_v1::SharedResourceProvider m_resources = std::make_shared<hosipc_detail::api_v1::ResourceProvider>(
-        hosipc_detail::api_v1::MessageCapacity{}, 0, hosipc::api_v1::ApplicationSettings{});
+    hosipc_detail::api_v1::SharedResourceProvider m_resources =
+        std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{}, 0,
+                                                                  hosipc::api_v1::ApplicationSettings{});
     RecordingSampler m_implementation;
     Stub<test_idl::Sampler> m_stub{&m_implementation, m_resources};
-    FakeTransport m_transport{[this](const nk_message* request, const nk_arena* requestArena, nk_message* response,
-                                     nk_arena* responseArena) {
+    FakeTransport m_transport{[this](const nk_message* request, const nk_arena* requestArena,
+                                     nk_message* response, nk_arena* responseArena) {
         m_stub.DispatchRequest(0, request, requestArena, response, responseArena);
         return 0;
     }};
@@ -188,7 +191,8 @@ TEST_F(SamplerLoopbackTest, RequestWithoutFieldsNeedsNoArena) {
 TEST_F(SamplerLoopbackTest, SecondSequenceTooLongSendsNothing) {
     int rc = 0;
 
-    EXPECT_THROW(m_proxy->Report(Bytes("app"), std::vector<unsigned char>(129), Bytes("d"), rc), std::length_error);
+    EXPECT_THROW(m_proxy->Report(Bytes("app"), std::vector<unsigned char>(129), Bytes("d"), rc),
+                 std::length_error);
     EXPECT_EQ(m_transport.Calls(), 0);
     EXPECT_TRUE(m_implementation.calls.empty());
 }

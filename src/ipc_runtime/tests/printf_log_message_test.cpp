@@ -11,8 +11,8 @@ using hosipc_detail::api_v1::PrintfLogMessage;
 
 TEST(PrintfLogMessage, FormatsPrintfStyle) {
     int rc = -5;
-    PrintfLogMessage<const char*, const char*, int&> message("Failed to connect to \"%s\":\"%s\" with rc = %d\n",
-                                                             "server", "service", rc);
+    PrintfLogMessage<const char*, const char*, int&> message(
+        "Failed to connect to \"%s\":\"%s\" with rc = %d\n", "server", "service", rc);
     const std::string expected = "Failed to connect to \"server\":\"service\" with rc = -5\n";
 
     EXPECT_EQ(message.FormattedSize(), expected.size());
@@ -53,6 +53,18 @@ TEST(PrintfLogMessage, TextIntoSmallBufferTruncatesWithTerminator) {
     std::memset(buffer, 'z', sizeof buffer);
     EXPECT_EQ(message.Text(buffer, sizeof buffer), buffer);
     EXPECT_STREQ(buffer, "ab-cd");
+}
+
+TEST(PrintfLogMessage, FormattingFailureGivesTheFallbackText) {
+    // In the C locale a lone surrogate can't be converted, so snprintf fails.
+    const wchar_t unconvertible[] = {static_cast<wchar_t>(0xD800), 0};
+    PrintfLogMessage<const wchar_t*> message("%ls", unconvertible);
+
+    EXPECT_EQ(message.FormattedSize(), 0U);
+    char buffer[64];
+    EXPECT_STREQ(message.Text(buffer, sizeof buffer), "failed to format a log message");
+    char small[7];
+    EXPECT_STREQ(message.Text(small, sizeof small), "failed");
 }
 
 }  // namespace

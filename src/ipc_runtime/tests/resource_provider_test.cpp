@@ -105,7 +105,8 @@ TEST(ResourceProvider, PresentSettingIsKeptAndOthersDefaulted) {
 }
 
 TEST(Application, SharesItsProviderWithCopies) {
-    SharedResourceProvider shared = std::make_shared<ResourceProvider>(MessageCapacity{}, 0, ApplicationSettings{});
+    SharedResourceProvider shared =
+        std::make_shared<ResourceProvider>(MessageCapacity{}, 0, ApplicationSettings{});
     const hosipc::api_v1::Application application(shared);
     const SharedResourceProvider copy = application.GetResourceProvider();
 

@@ -10,7 +10,8 @@
 namespace {
 
 using ByteSequence =
-    hosipc_detail::stdcpp_v1::Sequence<hosipc_detail::stdcpp_v1::Primitive<unsigned char, unsigned char>, 128ul>;
+    hosipc_detail::stdcpp_v1::Sequence<hosipc_detail::stdcpp_v1::Primitive<unsigned char, unsigned char>,
+                                       128ul>;
 
 constexpr unsigned char kUntouched = 0xA5;
 

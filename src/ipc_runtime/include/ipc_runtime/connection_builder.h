@@ -32,12 +32,16 @@ public:
     static constexpr std::uint32_t kNoLimitTimeout = 0xffffffffU;
 
     // noLimit: wait without limit, whatever timeoutMs says.
-    ConnectionBuilder(std::string_view server, std::string_view service, std::uint32_t timeoutMs, bool noLimit)
+    ConnectionBuilder(std::string_view server, std::string_view service, std::uint32_t timeoutMs,
+                      bool noLimit)
         : ConnectionBuilder(server, service, timeoutMs, noLimit, PlatformDynamicChannelCalls()) {}
 
-    ConnectionBuilder(std::string_view server, std::string_view service, std::uint32_t timeoutMs, bool noLimit,
-                      DynamicChannelCalls callsForTesting)
-        : m_server(server), m_service(service), m_timeoutMs(timeoutMs), m_noLimit(noLimit),
+    ConnectionBuilder(std::string_view server, std::string_view service, std::uint32_t timeoutMs,
+                      bool noLimit, DynamicChannelCalls callsForTesting)
+        : m_server(server),
+          m_service(service),
+          m_timeoutMs(timeoutMs),
+          m_noLimit(noLimit),
           m_calls(callsForTesting) {}
 
     std::int32_t Connect(hosipc_detail::api_v1::EndpointHandle& endpoint,

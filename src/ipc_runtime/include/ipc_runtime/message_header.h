@@ -49,7 +49,9 @@ struct MessageHeader {
 
     static void SetIid(nk_message* message, std::uint16_t iid) { Write(message, kIidOffset, iid); }
     static void SetMid(nk_message* message, std::uint16_t mid) { Write(message, kMidOffset, mid); }
-    static void SetSizeWord(nk_message* message, std::uint32_t word) { Write(message, kSizeWordOffset, word); }
+    static void SetSizeWord(nk_message* message, std::uint32_t word) {
+        Write(message, kSizeWordOffset, word);
+    }
 };
 
 }  // namespace hosipc_detail::stdcpp_v1

@@ -45,7 +45,8 @@ public:
         const auto startAddress = reinterpret_cast<std::uintptr_t>(start);
         const auto cursorAddress = reinterpret_cast<std::uintptr_t>(cursor);
         const auto endAddress = reinterpret_cast<std::uintptr_t>(end);
-        if (cursorAddress < startAddress || cursorAddress > endAddress || endAddress - cursorAddress < bytes) {
+        if (cursorAddress < startAddress || cursorAddress > endAddress ||
+            endAddress - cursorAddress < bytes) {
             throw std::runtime_error(kNoSpaceText);
         }
         if (bytes != 0) {

@@ -38,8 +38,9 @@ protected:
 
     std::unique_ptr<ApplicationWatchdog, hosipc_detail::api_v1::IpcDeleter> Connect() {
         const ConnectionBuilder<ConnectViaDynamicChannel> connector(kServerName, kService, 0, true);
-        return hosipc_detail::idl_traits::MakeProxyImpl(connector, m_application.GetResourceProvider(),
-                                                        static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
+        return hosipc_detail::idl_traits::MakeProxyImpl(
+            connector, m_application.GetResourceProvider(),
+            static_cast<ProxyBait<ApplicationWatchdog>*>(nullptr));
     }
 
     ScopedRuntimeDirectory m_directory;
@@ -103,7 +104,8 @@ TEST_F(WatchdogAcrossProcesses, UnknownServiceIsLoggedToStderrAndMakeProxyThrows
         EXPECT_STREQ(error.what(), "hosipc::MakeProxy(): error connecting to endpoint.");
     }
     const std::string diagnostics = testing::internal::GetCapturedStderr();
-    EXPECT_NE(diagnostics.find("Failed to connect to \"hl.app_manager.TestManager\":\"app_manager.nothing\" with rc = "),
+    EXPECT_NE(diagnostics.find(
+                  "Failed to connect to \"hl.app_manager.TestManager\":\"app_manager.nothing\" with rc = "),
               std::string::npos)
         << diagnostics;
 }

@@ -36,8 +36,9 @@ public:
 };
 
 int Serve(const char* serverName) {
-    static const HosEndpointDesc endpoints[] = {
-        {kRiid, "app_manager.applicationWatchdog", "applicationWatchdog", "hl.app_manager.ApplicationWatchdog"}};
+    static const HosEndpointDesc endpoints[] = {{kRiid, "app_manager.applicationWatchdog",
+                                                 "applicationWatchdog",
+                                                 "hl.app_manager.ApplicationWatchdog"}};
     const HosComponentTree tree{"hl.app_manager.TestManager", endpoints, 1, nullptr, 0};
     if (HosTaskSetComponentTree(HosTaskGetSelf(), &tree) != 0) {
         std::fprintf(stderr, "watchdog server: component tree refused\n");
@@ -54,8 +55,9 @@ int Serve(const char* serverName) {
 
     CountingWatchdog implementation;
     hosipc_detail::idl_traits::Stub<ApplicationWatchdog> stub(
-        &implementation, std::make_shared<hosipc_detail::api_v1::ResourceProvider>(
-                             hosipc_detail::api_v1::MessageCapacity{}, 0, hosipc::api_v1::ApplicationSettings{}));
+        &implementation,
+        std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{}, 0,
+                                                                  hosipc::api_v1::ApplicationSettings{}));
 
     std::puts("ready");
     std::fflush(stdout);

@@ -12,8 +12,8 @@ namespace ipc_runtime_test {
 // through a handler. Only one FakeTransport may exist at a time (the C operation table has no context).
 class FakeTransport {
 public:
-    using Handler = std::function<int(const nk_message* request, const nk_arena* requestArena, nk_message* response,
-                                      nk_arena* responseArena)>;
+    using Handler = std::function<int(const nk_message* request, const nk_arena* requestArena,
+                                      nk_message* response, nk_arena* responseArena)>;
 
     explicit FakeTransport(Handler handler);
     ~FakeTransport();

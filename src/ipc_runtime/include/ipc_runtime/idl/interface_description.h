@@ -63,11 +63,15 @@ struct ValueArg {
     static constexpr std::uint32_t kArenaBytes = 0;
     static constexpr std::uint32_t kHandles = 0;
 
-    static void Pack(nk_message* message, In value, nk_arena* /*arena*/) { MessageHeader::Write(message, Offset, value); }
+    static void Pack(nk_message* message, In value, nk_arena* /*arena*/) {
+        MessageHeader::Write(message, Offset, value);
+    }
     static Value Unpack(const nk_message* message, const nk_arena* /*arena*/) {
         return MessageHeader::Read<T>(message, Offset);
     }
-    static void Store(nk_message* message, const Value& value) { MessageHeader::Write(message, Offset, value); }
+    static void Store(nk_message* message, const Value& value) {
+        MessageHeader::Write(message, Offset, value);
+    }
     static void Load(const nk_message* message, Out out) { out = MessageHeader::Read<T>(message, Offset); }
 };
 
@@ -95,7 +99,7 @@ struct HandleArg {
 };
 
 template <typename Field>
-concept FixedField = Field::kOffset >= MessageHeader::kHeaderSize && Field::kEnd > Field::kOffset;
+concept FixedField = Field::kOffset >= MessageHeader::kHeaderSize&& Field::kEnd > Field::kOffset;
 
 // The request of a method: its whole size, the size of its arena, and its input fields in order.
 template <std::uint32_t Size, std::uint32_t ArenaSize, FixedField... Fields>
@@ -105,7 +109,8 @@ struct Request {
     static constexpr std::uint32_t kHandles = (Fields::kHandles + ... + 0U);
     static_assert(kHandles == 0, "requests carry no handles");
     static_assert(((Fields::kEnd <= Size) && ...), "a request field lies behind the message");
-    static_assert((Fields::kArenaBytes + ... + 0U) <= ArenaSize, "the request arena can't hold its sequences");
+    static_assert((Fields::kArenaBytes + ... + 0U) <= ArenaSize,
+                  "the request arena can't hold its sequences");
 };
 
 // The response of a method: its whole size and its output fields in order.
@@ -115,11 +120,11 @@ struct Response {
     static constexpr std::uint32_t kHandles = (Fields::kHandles + ... + 0U);
     static constexpr std::uint32_t kSizeWord = MessageHeader::MakeSizeWord(Size, kHandles);
     static_assert(((Fields::kEnd <= Size) && ...), "a response field lies behind the message");
-    static_assert(
-        ((Fields::kHandles != 0 ||
-          Fields::kOffset >= MessageHeader::kHeaderSize + MessageHeader::kHandleDescriptorSize * kHandles) &&
-         ...),
-        "a plain response field overlaps the handle descriptors");
+    static_assert(((Fields::kHandles != 0 ||
+                    Fields::kOffset >=
+                        MessageHeader::kHeaderSize + MessageHeader::kHandleDescriptorSize * kHandles) &&
+                   ...),
+                  "a plain response field overlaps the handle descriptors");
 };
 
 template <typename MemberFunction>
@@ -131,7 +136,8 @@ struct MemberClass<Signature Class::*> {
 
 template <typename Interface, typename RequestT, typename ResponseT>
 struct MethodSignature;
-template <typename Interface, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS, typename... Out>
+template <typename Interface, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS,
+          typename... Out>
 struct MethodSignature<Interface, Request<RS, RA, In...>, Response<PS, Out...>> {
     using Type = void (Interface::*)(typename In::In..., typename Out::Out...);
 };
@@ -147,8 +153,9 @@ struct Method {
     static constexpr std::uint16_t kMid = Mid;
     static constexpr auto kFunction = Function;
 
-    static_assert(std::is_same_v<decltype(Function), typename MethodSignature<Interface, Request, Response>::Type>,
-                  "the member function's parameters don't match the method's fields");
+    static_assert(
+        std::is_same_v<decltype(Function), typename MethodSignature<Interface, Request, Response>::Type>,
+        "the member function's parameters don't match the method's fields");
 };
 
 template <typename... Methods>

@@ -65,8 +65,8 @@ protected:
     }
 
 private:
-    template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS, typename... Out,
-              typename Arguments>
+    template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS,
+              typename... Out, typename Arguments>
     void InvokeFields(Request<RS, RA, In...>, Response<PS, Out...>, Arguments& arguments) {
         static_assert(std::tuple_size_v<Arguments> == sizeof...(In) + sizeof...(Out),
                       "a proxy method must pass every input and output");
@@ -85,8 +85,8 @@ private:
         nk_arena responseArena{nullptr, nullptr, nullptr};
         PackInputs<In...>(request.Get(), &requestArena, arguments, std::index_sequence_for<In...>{});
 
-        const int result = m_transport.ops->call(&m_transport, request.Get(), &requestArena, response.Get(),
-                                                 &responseArena);
+        const int result =
+            m_transport.ops->call(&m_transport, request.Get(), &requestArena, response.Get(), &responseArena);
         if (result != 0) {
             throw std::runtime_error(FailureText<M>(" transport error"));
         }
@@ -103,8 +103,8 @@ private:
     }
 
     template <std::size_t First, typename... Out, typename Arguments, std::size_t... O>
-    static void LoadOutputs([[maybe_unused]] const nk_message* response, [[maybe_unused]] Arguments& arguments,
-                            std::index_sequence<O...>) {
+    static void LoadOutputs([[maybe_unused]] const nk_message* response,
+                            [[maybe_unused]] Arguments& arguments, std::index_sequence<O...>) {
         (Out::Load(response, std::get<First + O>(arguments)), ...);
     }
 

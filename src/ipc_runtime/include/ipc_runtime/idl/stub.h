@@ -50,12 +50,14 @@ private:
         MessageHeader::SetMid(response, M::kMid);
     }
 
-    template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS, typename... Out>
+    template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS,
+              typename... Out>
     void ServeFields(Request<RS, RA, In...>, Response<PS, Out...>, const nk_message* request,
                      [[maybe_unused]] const nk_arena* requestArena, nk_message* response) {
         if (MessageHeader::Size(request) < RS) {
             std::fprintf(stderr, "hosipc: request of %.*s is %u bytes, expected %u\n",
-                         static_cast<int>(M::kName.size()), M::kName.data(), MessageHeader::Size(request), RS);
+                         static_cast<int>(M::kName.size()), M::kName.data(), MessageHeader::Size(request),
+                         RS);
             throw std::runtime_error("malformed request");
         }
         std::tuple<typename In::Value...> inputs{In::Unpack(request, requestArena)...};

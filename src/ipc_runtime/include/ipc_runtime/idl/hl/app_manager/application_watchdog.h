@@ -33,8 +33,7 @@ struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::app_manager::Application
     using Interface = hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog;
     static constexpr std::string_view kFailurePrefix = "hl_app_manager_ApplicationWatchdog_";
 
-    using Ping = Method<"Ping", 0, &Interface::Ping,
-                        Request<32, 128, SequenceArg<24>>,
+    using Ping = Method<"Ping", 0, &Interface::Ping, Request<32, 128, SequenceArg<24>>,
                         Response<32, ValueArg<std::int32_t, 24>>>;
     using Methods = MethodList<Ping>;
 };
@@ -45,11 +44,13 @@ class Proxy<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog> final
 public:
     using ProxyBase::ProxyBase;
 
-    void Ping(const std::vector<unsigned char>& appName, int& rc) override { Invoke<Description::Ping>(appName, rc); }
+    void Ping(const std::vector<unsigned char>& appName, int& rc) override {
+        Invoke<Description::Ping>(appName, rc);
+    }
 };
 
-std::unique_ptr<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog, api_v1::IpcDeleter> MakeProxyImpl(
-    const hosipc::api_v1::IConnector& connector, const api_v1::SharedResourceProvider& resources,
-    ProxyBait<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog>* bait);
+std::unique_ptr<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog, api_v1::IpcDeleter>
+MakeProxyImpl(const hosipc::api_v1::IConnector& connector, const api_v1::SharedResourceProvider& resources,
+              ProxyBait<hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog>* bait);
 
 }  // namespace hosipc_detail::idl_traits
