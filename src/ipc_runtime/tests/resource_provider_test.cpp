@@ -104,14 +104,4 @@ TEST(ResourceProvider, PresentSettingIsKeptAndOthersDefaulted) {
     EXPECT_EQ(logger->text, "kept");
 }
 
-TEST(Application, SharesItsProviderWithCopies) {
-    SharedResourceProvider shared =
-        std::make_shared<ResourceProvider>(MessageCapacity{}, 0, ApplicationSettings{});
-    const hosipc::api_v1::Application application(shared);
-    const SharedResourceProvider copy = application.GetResourceProvider();
-
-    EXPECT_EQ(copy.Get(), shared.Get());
-    EXPECT_EQ(shared.UseCount(), 3);
-}
-
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <stdexcept>
+#include <string>
 #include <tuple>
 #include <utility>
 
@@ -53,17 +54,28 @@ private:
     template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS,
               typename... Out>
     void ServeFields(Request<RS, RA, In...>, Response<PS, Out...>, const nk_message* request,
-                     [[maybe_unused]] const nk_arena* requestArena, nk_message* response) {
-        if (MessageHeader::Size(request) < RS) {
-            std::fprintf(stderr, "hosipc: request of %.*s is %u bytes, expected %u\n",
-                         static_cast<int>(M::kName.size()), M::kName.data(), MessageHeader::Size(request),
-                         RS);
-            throw std::runtime_error("malformed request");
-        }
-        std::tuple<typename In::Value...> inputs{In::Unpack(request, requestArena)...};
+                     const nk_arena* requestArena, nk_message* response) {
+        std::tuple<typename In::Value...> inputs = DecodeInputs<M, RS, In...>(request, requestArena);
         std::tuple<typename Out::Value...> outputs{};
         Call<M>(inputs, outputs, std::index_sequence_for<In...>{}, std::index_sequence_for<Out...>{});
         StoreOutputs<Out...>(response, outputs, std::index_sequence_for<Out...>{});
+    }
+
+    // A request that doesn't fit its description is logged here and answered as a server failure.
+    template <typename M, std::uint32_t RS, typename... In>
+    static std::tuple<typename In::Value...> DecodeInputs(const nk_message* request,
+                                                          [[maybe_unused]] const nk_arena* requestArena) {
+        try {
+            if (MessageHeader::Size(request) < RS) {
+                throw std::runtime_error("the request is " + std::to_string(MessageHeader::Size(request)) +
+                                         " bytes, expected " + std::to_string(RS));
+            }
+            return std::tuple<typename In::Value...>{In::Unpack(request, requestArena)...};
+        } catch (const std::exception& error) {
+            std::fprintf(stderr, "hosipc: malformed request of %.*s: %s\n", static_cast<int>(M::kName.size()),
+                         M::kName.data(), error.what());
+            throw;
+        }
     }
 
     template <typename M, typename Inputs, typename Outputs, std::size_t... I, std::size_t... O>
