@@ -9,7 +9,8 @@ namespace hos::platform {
 Deadline Deadline::FromTimeoutMs(uint64_t timeoutMs)
 {
     Deadline deadline;
-    if (timeoutMs == NK_TIMEOUT_INFINITE) {
+    // Anything from the no-limit value up cannot be reached in a process's life.
+    if (timeoutMs >= NK_TIMEOUT_INFINITE) {
         return deadline;
     }
     deadline.m_infinite = false;

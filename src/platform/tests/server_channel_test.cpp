@@ -201,6 +201,19 @@ TEST_F(ServerChannelTest, RegisteringANameThatALiveServerHoldsFails)
     EXPECT_EQ(ServiceLocatorRegister("bad name", 0, 0, &id), NK_INVALID_HANDLE);
 }
 
+TEST(ServerChannelNameTest, NameWhoseSocketPathExceedsTheLimitIsRefusedWithALogLine)
+{
+    ScopedRuntimeDirectory directory;
+    hos::logger::LogCaptureForTesting capture;
+    const std::string name(150, 'n');
+    unsigned int id = 0;
+    EXPECT_EQ(ServiceLocatorRegister(name.c_str(), 0, 0, &id), NK_INVALID_HANDLE);
+    EXPECT_TRUE(capture.Contains("longer than the limit"));
+    unsigned int handle = NK_INVALID_HANDLE;
+    unsigned int riid = NK_INVALID_RIID;
+    EXPECT_EQ(KnCmConnect(name.c_str(), "svc", 10, &handle, &riid), NK_EINVAL);
+}
+
 TEST(ServerChannelNameTest, StaleSocketOfADeadServerIsTakenOver)
 {
     ScopedRuntimeDirectory directory;
