@@ -9,9 +9,7 @@ if(TARGET hl_ui_kit_qml_no_palette_tests)
   target_compile_definitions(hl_ui_kit_qml_no_palette_tests PRIVATE HL_UI_KIT_QML_TEST_NO_PALETTE)
 endif()
 
-if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/include/ui_kit/style/palette_provider.h")
-  hl_add_qml_test(hl_ui_kit_qml_tests
-    SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/qml/main.cpp"
-    DEPS hl_ui_kit
-    QML_DIR "${CMAKE_CURRENT_SOURCE_DIR}/tests/qml/palette")
-endif()
+hl_add_qml_test(hl_ui_kit_qml_tests
+  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/qml/main.cpp"
+  DEPS hl_ui_kit
+  QML_DIR "${CMAKE_CURRENT_SOURCE_DIR}/tests/qml/palette")

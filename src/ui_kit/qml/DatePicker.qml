@@ -103,7 +103,7 @@ Popup {
                     horizontalAlignment: Text.AlignHCenter
                     verticalAlignment: Text.AlignVCenter
                     font.pixelSize: 12
-                    text: Qt.locale().dayName((index + 1) % 7, Locale.NarrowFormat)
+                    text: Qt.locale().dayName((index + 1) % 7, Locale.ShortFormat).slice(0, 2)
                 }
             }
 

@@ -63,6 +63,7 @@ Item {
         boundsBehavior: Flickable.StopAtBounds
 
         ScrollBar.vertical: ScrollBar {
+            visible: size < 1.0
             parent: root
             x: root.width - width - 4
             y: 8

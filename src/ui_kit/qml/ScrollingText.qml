@@ -50,6 +50,7 @@ Item {
         boundsBehavior: Flickable.StopAtBounds
 
         ScrollBar.vertical: ScrollBar {
+            visible: size < 1.0
             parent: root
             x: root.width - width - 8
             y: 8

@@ -34,6 +34,7 @@ Item {
             height: root.areaHeight
 
             ScrollBar.vertical: ScrollBar {
+                visible: size < 1.0
                 parent: scroll
                 x: scroll.width - width - 4
                 y: 8

@@ -1,9 +1,6 @@
 // The kit's two resource trees: registered before main in any program that links hl_ui_kit,
 // complete, and every control and image usable from its resource path without a warning.
-#if __has_include(<ui_kit/style/palette_provider.h>)
 #include <ui_kit/style/palette_provider.h>
-#define HL_UI_KIT_HAS_PALETTE 1
-#endif
 
 #include <QDir>
 #include <QFile>
@@ -212,14 +209,12 @@ class UiKitControlLoads : public UiKitResources, public ::testing::WithParamInte
 TEST_P(UiKitControlLoads, CreatesFromItsResourcePathWithoutWarnings) {
     const ControlCase param = GetParam();
     std::shared_ptr<QObject> provider;
-#ifdef HL_UI_KIT_HAS_PALETTE
     namespace style = vdi::uikit::utils::style;
     if (param.paletteId != 0) {
         auto interactor = style::CreatePaletteIdInteractor();
         interactor->SetPaletteId(static_cast<style::PaletteId>(param.paletteId));
         provider = style::CreatePaletteProvider(style::CreatePaletteFactory(), interactor);
     }
-#endif
 
     WarningCollector warnings;
     {
@@ -259,12 +254,7 @@ TEST_P(UiKitControlLoads, CreatesFromItsResourcePathWithoutWarnings) {
 
 std::vector<ControlCase> AllControlCases() {
     std::vector<ControlCase> cases;
-#ifdef HL_UI_KIT_HAS_PALETTE
-    const std::vector<int> paletteIds = {0, 1, 2};
-#else
-    const std::vector<int> paletteIds = {0};
-#endif
-    for (int paletteId : paletteIds) {
+    for (int paletteId : {0, 1, 2}) {
         for (const auto& control : kControls) cases.push_back({control, paletteId});
     }
     return cases;
