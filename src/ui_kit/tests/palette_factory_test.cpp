@@ -33,13 +33,6 @@ TEST(PaletteFactory, LightAndDarkIdsBuildDistinctPalettesOfTheirOwnId) {
     EXPECT_EQ(factory->GetPalette(PaletteId::Light).get(), light.get());
 }
 
-TEST(PaletteFactory, CachedPaletteOutlivesEveryCallerHandle) {
-    PaletteFactory factory;
-    std::weak_ptr<IPalette> watched = factory.GetPalette(PaletteId::Light);
-    EXPECT_FALSE(watched.expired());
-    EXPECT_EQ(factory.GetPalette(PaletteId::Light).get(), watched.lock().get());
-}
-
 TEST(PaletteFactory, UnknownIdWarnsOnEveryCallAndLeavesNoEntry) {
     LogCaptureForTesting capture;
     PaletteFactory factory;
@@ -56,15 +49,6 @@ TEST(PaletteFactory, UnknownIdWarnsOnEveryCallAndLeavesNoEntry) {
     EXPECT_EQ(records.back().message, "Palette for id: 3 not found");
     EXPECT_EQ(records.back().function, "CreatePaletteById");
     EXPECT_EQ(records.back().level, LogLevel::Warning);
-}
-
-TEST(PaletteFactory, UnknownIdWarningIsSuppressedBelowTheLoggerLevel) {
-    LogCaptureForTesting capture;
-    capture.SetLevel(LogLevel::Error);
-    PaletteFactory factory;
-    EXPECT_EQ(factory.GetPalette(static_cast<PaletteId>(0)), nullptr);
-    EXPECT_TRUE(capture.Records().empty());
-    EXPECT_EQ(factory.CachedEntryCountForTesting(), 0u);
 }
 
 }  // namespace

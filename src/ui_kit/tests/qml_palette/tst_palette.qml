@@ -44,10 +44,8 @@ TestCase {
         verify(Qt.colorEqual(control.border, "#D2D4D6"))
         verify(Qt.colorEqual(paletteProvider.palette.backgroundPrimary, "#FFFFFF"))
         // The light palette leaves the warning colours unset: invalid, not the literal fallback.
-        verify(!Qt.colorEqual(control.contentColor, "#F3BD3D"))
-        verify(!Qt.colorEqual(control.normalColor, "#29F3BD3D"))
-        verify(!Qt.colorEqual(control.contentColor, "black"))
-        verify(!Qt.colorEqual(control.contentColor, "transparent"))
+        compare(control.contentColor.valid, false)
+        compare(control.normalColor.valid, false)
         verify(Qt.colorEqual(control.gradientStart, "#6AD62B"))
     }
 
@@ -60,6 +58,21 @@ TestCase {
         paletteSwitch.setPaletteId(2)
         compare(changes.count, 0)
         verify(Qt.colorEqual(control.normalColor, "#29F3BD3D"))
+    }
+
+    function test_alphaComesFirstAndUnsetColoursAreInvalid() {
+        const pal = paletteProvider.palette
+        verify(Qt.colorEqual(pal.contentSubPrimary, "#B2FFFFFF"))
+        verify(Qt.colorEqual(pal.purpleDisabled, "#478C8CFF"))
+        verify(Qt.colorEqual(pal.backgroundBase, "#D6212529"))
+        compare(pal.contentSubPrimary.valid, true)
+        compare(pal.persistentAccentPrimary.valid, false)
+        compare(pal.blueBackground.valid, false)
+    }
+
+    function test_paletteIdIsNotAProperty() {
+        compare(typeof paletteProvider.palette.id, "undefined")
+        compare(typeof paletteProvider.palette.contentPrimary, "object")
     }
 
     function test_gradientsReadTheirStops() {
