@@ -36,7 +36,7 @@ constexpr const char* kUsage =
 struct CallOptions {
     std::string server;
     std::string service;
-    std::optional<unsigned long> iid; // nothing: the resolved riid
+    std::optional<unsigned long> iid;  // nothing: the resolved riid
     unsigned long mid = 0;
     std::vector<unsigned char> fields;
     std::vector<unsigned char> arena;
@@ -46,8 +46,7 @@ struct CallOptions {
     unsigned long arenaRoom = 131072;
 };
 
-bool ParseArguments(const std::vector<std::string>& arguments, CallOptions& options)
-{
+bool ParseArguments(const std::vector<std::string>& arguments, CallOptions& options) {
     if (arguments.size() < 5) {
         return false;
     }
@@ -100,8 +99,7 @@ bool ParseArguments(const std::vector<std::string>& arguments, CallOptions& opti
     return options.responseRoom >= NK_MESSAGE_HEADER_SIZE;
 }
 
-void PrintResponse(const std::vector<unsigned char>& response, const nk_arena& arena)
-{
+void PrintResponse(const std::vector<unsigned char>& response, const nk_arena& arena) {
     const auto* header = reinterpret_cast<const nk_message*>(response.data());
     const uint32_t size = nk_message_size(header);
     const uint32_t handles = nk_message_handle_count(header);
@@ -121,8 +119,7 @@ void PrintResponse(const std::vector<unsigned char>& response, const nk_arena& a
 
 }  // namespace
 
-int RunCall(const std::vector<std::string>& arguments)
-{
+int RunCall(const std::vector<std::string>& arguments) {
     if (!arguments.empty() && (arguments[0] == "--help" || arguments[0] == "-h")) {
         std::fputs(kUsage, stdout);
         return 0;

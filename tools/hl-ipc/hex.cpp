@@ -5,8 +5,7 @@
 namespace hl_ipc {
 namespace {
 
-int DigitValue(char c)
-{
+int DigitValue(char c) {
     if (c >= '0' && c <= '9') {
         return c - '0';
     }
@@ -21,8 +20,7 @@ int DigitValue(char c)
 
 }  // namespace
 
-std::optional<std::vector<unsigned char>> ParseHex(std::string_view text)
-{
+std::optional<std::vector<unsigned char>> ParseHex(std::string_view text) {
     if (text == "-") {
         return std::vector<unsigned char>{};
     }
@@ -52,8 +50,7 @@ std::optional<std::vector<unsigned char>> ParseHex(std::string_view text)
     return bytes;
 }
 
-std::string FormatHex(const unsigned char* data, size_t size)
-{
+std::string FormatHex(const unsigned char* data, size_t size) {
     static const char kDigits[] = "0123456789abcdef";
     std::string text;
     for (size_t i = 0; i < size; ++i) {
@@ -66,8 +63,7 @@ std::string FormatHex(const unsigned char* data, size_t size)
     return text;
 }
 
-std::optional<unsigned long> ParseNumber(std::string_view text, unsigned long max)
-{
+std::optional<unsigned long> ParseNumber(std::string_view text, unsigned long max) {
     if (text.empty()) {
         return std::nullopt;
     }

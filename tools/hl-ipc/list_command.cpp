@@ -24,8 +24,7 @@ constexpr const char* kUsage =
     "\n"
     "Exit codes: 0 listed (also when empty); 1 usage error.\n";
 
-bool IsLive(const std::string& server)
-{
+bool IsLive(const std::string& server) {
     const unsigned int handle = ServiceLocatorConnect(server.c_str());
     if (handle == NK_INVALID_HANDLE) {
         return false;
@@ -34,15 +33,13 @@ bool IsLive(const std::string& server)
     return true;
 }
 
-bool IsProcessAlive(pid_t pid)
-{
+bool IsProcessAlive(pid_t pid) {
     return pid > 0 && (::kill(pid, 0) == 0 || errno == EPERM);
 }
 
 }  // namespace
 
-int RunList(const std::vector<std::string>& arguments)
-{
+int RunList(const std::vector<std::string>& arguments) {
     if (!arguments.empty()) {
         const bool help = arguments[0] == "--help" || arguments[0] == "-h";
         std::fputs(kUsage, help ? stdout : stderr);
@@ -53,8 +50,8 @@ int RunList(const std::vector<std::string>& arguments)
     const auto entries = registry->List();
     std::printf("\npublished types (%zu):\n", entries.size());
     for (const auto& entry : entries) {
-        std::printf("  %s -> server %s, endpoint %s, pid %d%s\n", entry.type.c_str(),
-                    entry.server.c_str(), entry.endpoint.c_str(), static_cast<int>(entry.pid),
+        std::printf("  %s -> server %s, endpoint %s, pid %d%s\n", entry.type.c_str(), entry.server.c_str(),
+                    entry.endpoint.c_str(), static_cast<int>(entry.pid),
                     IsProcessAlive(entry.pid) ? "" : " (gone)");
     }
     const auto servers = registry->ListServers();

@@ -6,8 +6,7 @@
 
 namespace hos::platform {
 
-Deadline Deadline::FromTimeoutMs(uint64_t timeoutMs)
-{
+Deadline Deadline::FromTimeoutMs(uint64_t timeoutMs) {
     Deadline deadline;
     // Anything from the no-limit value up cannot be reached in a process's life.
     if (timeoutMs >= NK_TIMEOUT_INFINITE) {
@@ -18,18 +17,15 @@ Deadline Deadline::FromTimeoutMs(uint64_t timeoutMs)
     return deadline;
 }
 
-Deadline Deadline::Never()
-{
+Deadline Deadline::Never() {
     return Deadline{};
 }
 
-bool Deadline::HasPassed() const
-{
+bool Deadline::HasPassed() const {
     return !m_infinite && std::chrono::steady_clock::now() >= m_at;
 }
 
-int Deadline::RemainingPollMs() const
-{
+int Deadline::RemainingPollMs() const {
     if (m_infinite) {
         return -1;
     }

@@ -11,8 +11,7 @@ namespace {
 constexpr unsigned int kFirstHandle = 1;
 constexpr unsigned int kLastHandle = NK_HANDLE_DESC_INVALID - 1;
 
-HandleObject::Kind DetectKind(int fd)
-{
+HandleObject::Kind DetectKind(int fd) {
     int type = 0;
     socklen_t length = sizeof(type);
     if (::getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &length) != 0 || type != SOCK_SEQPACKET) {
@@ -38,14 +37,11 @@ HandleObject::Kind DetectKind(int fd)
 HandleObject::HandleObject(Kind kind, UniqueFd fd) : m_kind(kind), m_fd(std::move(fd)) {}
 
 HandleObject::HandleObject(std::shared_ptr<ServerChannel> server)
-    : m_kind(Kind::Server), m_server(std::move(server))
-{
-}
+    : m_kind(Kind::Server), m_server(std::move(server)) {}
 
 HandleObject::~HandleObject() = default;
 
-uint32_t HandleObject::NextSequence()
-{
+uint32_t HandleObject::NextSequence() {
     uint32_t next = ++m_sequence;
     while (next == 0) {
         next = ++m_sequence;
@@ -53,21 +49,18 @@ uint32_t HandleObject::NextSequence()
     return next;
 }
 
-void HandleObject::OnClosed()
-{
+void HandleObject::OnClosed() {
     if (m_server) {
         m_server->Shutdown();
     }
 }
 
-HandleTable& HandleTable::Instance()
-{
+HandleTable& HandleTable::Instance() {
     static HandleTable table;
     return table;
 }
 
-unsigned int HandleTable::Insert(std::shared_ptr<HandleObject> object)
-{
+unsigned int HandleTable::Insert(std::shared_ptr<HandleObject> object) {
     std::lock_guard lock(m_mutex);
     for (unsigned int tries = 0; tries < kLastHandle; ++tries) {
         const unsigned int candidate = m_next;
@@ -80,21 +73,18 @@ unsigned int HandleTable::Insert(std::shared_ptr<HandleObject> object)
     return NK_INVALID_HANDLE;
 }
 
-unsigned int HandleTable::Adopt(UniqueFd fd)
-{
+unsigned int HandleTable::Adopt(UniqueFd fd) {
     const auto kind = DetectKind(fd.Get());
     return Insert(std::make_shared<HandleObject>(kind, std::move(fd)));
 }
 
-std::shared_ptr<HandleObject> HandleTable::Find(unsigned int handle) const
-{
+std::shared_ptr<HandleObject> HandleTable::Find(unsigned int handle) const {
     std::lock_guard lock(m_mutex);
     const auto found = m_objects.find(handle);
     return found != m_objects.end() ? found->second : nullptr;
 }
 
-std::shared_ptr<HandleObject> HandleTable::Remove(unsigned int handle)
-{
+std::shared_ptr<HandleObject> HandleTable::Remove(unsigned int handle) {
     std::lock_guard lock(m_mutex);
     const auto found = m_objects.find(handle);
     if (found == m_objects.end()) {

@@ -4,8 +4,7 @@
 
 #include <cerrno>
 
-extern "C" int HosRandomGenerate(void* buffer, size_t size)
-{
+extern "C" int HosRandomGenerate(void* buffer, size_t size) {
     if (buffer == nullptr && size > 0) {
         return NK_EINVAL;
     }

@@ -14,8 +14,7 @@ public:
     ~UniqueFd() { Reset(); }
 
     UniqueFd(UniqueFd&& other) noexcept : m_fd(std::exchange(other.m_fd, -1)) {}
-    UniqueFd& operator=(UniqueFd&& other) noexcept
-    {
+    UniqueFd& operator=(UniqueFd&& other) noexcept {
         if (this != &other) {
             Reset(std::exchange(other.m_fd, -1));
         }
@@ -27,8 +26,7 @@ public:
     int Get() const { return m_fd; }
     bool IsValid() const { return m_fd >= 0; }
     int Release() { return std::exchange(m_fd, -1); }
-    void Reset(int fd = -1)
-    {
+    void Reset(int fd = -1) {
         if (m_fd >= 0) {
             ::close(m_fd);
         }

@@ -25,8 +25,7 @@ using hos::platform::UniqueFd;
 }  // namespace
 
 extern "C" int KnCmConnect(const char* server, const char* service, unsigned int timeoutMs,
-                           unsigned int* handle, unsigned int* riid)
-{
+                           unsigned int* handle, unsigned int* riid) {
     if (server == nullptr || service == nullptr || handle == nullptr || riid == nullptr) {
         return NK_EINVAL;
     }
@@ -53,8 +52,7 @@ extern "C" int KnCmConnect(const char* server, const char* service, unsigned int
     return NK_EOK;
 }
 
-extern "C" int KnHandleClose(unsigned int handle)
-{
+extern "C" int KnHandleClose(unsigned int handle) {
     const auto object = HandleTable::Instance().Remove(handle);
     if (!object) {
         return NK_EBADHANDLE;
@@ -63,14 +61,12 @@ extern "C" int KnHandleClose(unsigned int handle)
     return NK_EOK;
 }
 
-extern "C" int KnSleep(unsigned int milliseconds)
-{
+extern "C" int KnSleep(unsigned int milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     return NK_EOK;
 }
 
-extern "C" int KnHandleCreatePair(unsigned int* first, unsigned int* second)
-{
+extern "C" int KnHandleCreatePair(unsigned int* first, unsigned int* second) {
     if (first == nullptr || second == nullptr) {
         return NK_EINVAL;
     }

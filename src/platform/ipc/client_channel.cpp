@@ -23,17 +23,15 @@ namespace {
 
 using hos::logger::LogLevel;
 
-std::vector<uint8_t>& ThreadBuffer()
-{
+std::vector<uint8_t>& ThreadBuffer() {
     thread_local std::vector<uint8_t> buffer;
     return buffer;
 }
 
 // Waits for the frame answering `sequence`, dropping stale frames of earlier calls that ran out
 // of time. Returns 0 with `frame` pointing into the thread's buffer, or a failure.
-int AwaitAnswer(int fd, uint32_t sequence, const Deadline& deadline, int timeoutCode,
-                ParsedFrame& frame, std::vector<UniqueFd>& fds)
-{
+int AwaitAnswer(int fd, uint32_t sequence, const Deadline& deadline, int timeoutCode, ParsedFrame& frame,
+                std::vector<UniqueFd>& fds) {
     auto& buffer = ThreadBuffer();
     for (;;) {
         const int ready = WaitReadable(fd, deadline);
@@ -47,22 +45,22 @@ int AwaitAnswer(int fd, uint32_t sequence, const Deadline& deadline, int timeout
         const bool hasHeader = read.length >= NK_MESSAGE_HEADER_SIZE;
         const bool ours = hasHeader && DecodeHeader(buffer.data()).sequence == sequence;
         switch (read.status) {
-        case ReadStatus::WouldBlock:
-            continue;
-        case ReadStatus::Closed:
-            HL_LOG(LogLevel::Warning, "Channel: the server closed the channel or has died");
-            return NK_ECLOSED;
-        case ReadStatus::Failed:
-            return NK_EFAIL;
-        case ReadStatus::Oversized:
-        case ReadStatus::TooManyFds:
-            if (!ours) {
+            case ReadStatus::WouldBlock:
                 continue;
-            }
-            HL_LOG(LogLevel::Warning, "Channel: refused an answer too large or with too many handles");
-            return NK_ETOOBIG;
-        case ReadStatus::Packet:
-            break;
+            case ReadStatus::Closed:
+                HL_LOG(LogLevel::Warning, "Channel: the server closed the channel or has died");
+                return NK_ECLOSED;
+            case ReadStatus::Failed:
+                return NK_EFAIL;
+            case ReadStatus::Oversized:
+            case ReadStatus::TooManyFds:
+                if (!ours) {
+                    continue;
+                }
+                HL_LOG(LogLevel::Warning, "Channel: refused an answer too large or with too many handles");
+                return NK_ETOOBIG;
+            case ReadStatus::Packet:
+                break;
         }
         std::string reason;
         const int rc = ParseFrame(std::span(buffer.data(), read.length), fds.size(), frame, reason);
@@ -84,8 +82,7 @@ int AwaitAnswer(int fd, uint32_t sequence, const Deadline& deadline, int timeout
 
 }  // namespace
 
-int Connect(std::string_view server, const Deadline& deadline, UniqueFd& out)
-{
+int Connect(std::string_view server, const Deadline& deadline, UniqueFd& out) {
     if (!IsValidPlatformName(server)) {
         HL_LOG(LogLevel::Error, "Channel: invalid server name \"{}\"", server);
         return NK_EINVAL;
@@ -107,33 +104,31 @@ int Connect(std::string_view server, const Deadline& deadline, UniqueFd& out)
             return NK_EOK;
         }
         switch (errno) {
-        case EINTR:
-            continue;
-        case ENOENT:
-        case ECONNREFUSED:
-        case ENOTDIR:
-            return NK_ENOTFOUND;
-        case EACCES:
-        case EPERM:
-            HL_LOG(LogLevel::Error, "Channel: no permission to reach server {}", server);
-            return NK_EACCESS;
-        case EAGAIN:
-            // The server's backlog is full: it is there but busy.
-            if (deadline.HasPassed()) {
-                return NK_ETIMEOUT;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            continue;
-        default:
-            HL_LOG(LogLevel::Error, "Channel: cannot connect to {}: {}", server, std::strerror(errno));
-            return NK_EFAIL;
+            case EINTR:
+                continue;
+            case ENOENT:
+            case ECONNREFUSED:
+            case ENOTDIR:
+                return NK_ENOTFOUND;
+            case EACCES:
+            case EPERM:
+                HL_LOG(LogLevel::Error, "Channel: no permission to reach server {}", server);
+                return NK_EACCESS;
+            case EAGAIN:
+                // The server's backlog is full: it is there but busy.
+                if (deadline.HasPassed()) {
+                    return NK_ETIMEOUT;
+                }
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                continue;
+            default:
+                HL_LOG(LogLevel::Error, "Channel: cannot connect to {}: {}", server, std::strerror(errno));
+                return NK_EFAIL;
         }
     }
 }
 
-int Resolve(HandleObject& channel, std::string_view name, const Deadline& deadline,
-            unsigned int& riid)
-{
+int Resolve(HandleObject& channel, std::string_view name, const Deadline& deadline, unsigned int& riid) {
     std::lock_guard lock(channel.CallMutex());
     FrameHeader request;
     request.kind = FrameKind::Resolve;
@@ -168,8 +163,7 @@ int Resolve(HandleObject& channel, std::string_view name, const Deadline& deadli
 }
 
 int Call(HandleObject& channel, NkHosTransport* transport, const nk_message* request,
-         const nk_arena* requestArena, nk_message* response, nk_arena* responseArena)
-{
+         const nk_arena* requestArena, nk_message* response, nk_arena* responseArena) {
     if (response == nullptr) {
         return NK_EINVAL;
     }
@@ -205,8 +199,7 @@ int Call(HandleObject& channel, NkHosTransport* transport, const nk_message* req
         return answer.header.result < 0 ? answer.header.result : NK_EBADMSG;
     }
     if (answer.header.kind != FrameKind::Response) {
-        HL_LOG(LogLevel::Warning, "Call: unexpected answer kind {}",
-               static_cast<int>(answer.header.kind));
+        HL_LOG(LogLevel::Warning, "Call: unexpected answer kind {}", static_cast<int>(answer.header.kind));
         return NK_EBADMSG;
     }
     if ((request->iid != NK_IID_ANY && answer.header.iid != request->iid) ||

@@ -18,8 +18,7 @@ int Connect(std::string_view server, const Deadline& deadline, UniqueFd& out);
 
 // Asks the server for the riid of `name`. Returns 0 with `riid` set; NK_ENOENDPOINT, NK_ETIMEOUT,
 // NK_ECLOSED, NK_EACCESS (refused by the server) or NK_EBADMSG.
-int Resolve(HandleObject& channel, std::string_view name, const Deadline& deadline,
-            unsigned int& riid);
+int Resolve(HandleObject& channel, std::string_view name, const Deadline& deadline, unsigned int& riid);
 
 // The transport's call operation on `channel` (see nk_transport.h).
 int Call(HandleObject& channel, NkHosTransport* transport, const nk_message* request,

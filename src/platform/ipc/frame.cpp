@@ -14,29 +14,25 @@ static_assert(std::endian::native == std::endian::little,
               "the wire format is little-endian and is copied as it stands");
 
 template <typename T>
-void Put(uint8_t* out, size_t offset, T value)
-{
+void Put(uint8_t* out, size_t offset, T value) {
     std::memcpy(out + offset, &value, sizeof(T));
 }
 
 template <typename T>
-T Get(const uint8_t* in, size_t offset)
-{
+T Get(const uint8_t* in, size_t offset) {
     T value;
     std::memcpy(&value, in + offset, sizeof(T));
     return value;
 }
 
-bool IsKnownKind(uint16_t kind)
-{
+bool IsKnownKind(uint16_t kind) {
     return kind >= static_cast<uint16_t>(FrameKind::Request) &&
            kind <= static_cast<uint16_t>(FrameKind::Event);
 }
 
 }  // namespace
 
-void EncodeHeader(const FrameHeader& header, uint8_t* out24)
-{
+void EncodeHeader(const FrameHeader& header, uint8_t* out24) {
     Put<uint16_t>(out24, 0, header.iid);
     Put<uint16_t>(out24, 2, header.mid);
     Put<uint32_t>(out24, 4, header.sizeFlags);
@@ -47,8 +43,7 @@ void EncodeHeader(const FrameHeader& header, uint8_t* out24)
     Put<int32_t>(out24, 20, header.result);
 }
 
-FrameHeader DecodeHeader(const uint8_t* in24)
-{
+FrameHeader DecodeHeader(const uint8_t* in24) {
     FrameHeader header;
     header.iid = Get<uint16_t>(in24, 0);
     header.mid = Get<uint16_t>(in24, 2);
@@ -61,8 +56,7 @@ FrameHeader DecodeHeader(const uint8_t* in24)
     return header;
 }
 
-uint32_t CountPassedHandles(const uint8_t* message, uint32_t handleCount)
-{
+uint32_t CountPassedHandles(const uint8_t* message, uint32_t handleCount) {
     uint32_t passed = 0;
     for (uint32_t i = 0; i < handleCount; ++i) {
         const uint32_t word = Get<uint32_t>(message, NK_MESSAGE_HEADER_SIZE + i * NK_HANDLE_DESC_SIZE);
@@ -73,9 +67,7 @@ uint32_t CountPassedHandles(const uint8_t* message, uint32_t handleCount)
     return passed;
 }
 
-int ParseFrame(std::span<const uint8_t> packet, size_t fdCount, ParsedFrame& out,
-               std::string& reason)
-{
+int ParseFrame(std::span<const uint8_t> packet, size_t fdCount, ParsedFrame& out, std::string& reason) {
     if (packet.size() < NK_MESSAGE_HEADER_SIZE) {
         reason = fmt::format("frame of {} bytes is shorter than the 24-byte header", packet.size());
         return NK_EBADMSG;
@@ -96,8 +88,8 @@ int ParseFrame(std::span<const uint8_t> packet, size_t fdCount, ParsedFrame& out
         return NK_EBADMSG;
     }
     if (size + uint64_t{header.arenaSize} != packet.size()) {
-        reason = fmt::format("size word {} and arena size {} do not add up to the frame's {} bytes",
-                             size, header.arenaSize, packet.size());
+        reason = fmt::format("size word {} and arena size {} do not add up to the frame's {} bytes", size,
+                             header.arenaSize, packet.size());
         return NK_EBADMSG;
     }
     const uint32_t handles = header.HandleCount();

@@ -19,12 +19,12 @@
 namespace hos::platform {
 
 enum class FrameKind : uint16_t {
-    Request = 1,  // client -> server: a call
-    Response = 2, // server -> client: its answer
-    Resolve = 3,  // client -> server: arena holds a name to resolve to a riid
-    Resolved = 4, // server -> client: result, and the riid as u32 at offset 24
-    Refused = 5,  // server -> client: the request was refused with the result code
-    Event = 6,    // between object ends: raised event mask
+    Request = 1,   // client -> server: a call
+    Response = 2,  // server -> client: its answer
+    Resolve = 3,   // client -> server: arena holds a name to resolve to a riid
+    Resolved = 4,  // server -> client: result, and the riid as u32 at offset 24
+    Refused = 5,   // server -> client: the request was refused with the result code
+    Event = 6,     // between object ends: raised event mask
 };
 
 inline constexpr uint16_t kFrameVersion = 1;
@@ -45,10 +45,7 @@ struct FrameHeader {
     int32_t result = 0;
 
     uint32_t Size() const { return sizeFlags & NK_MESSAGE_SIZE_MASK; }
-    uint32_t HandleCount() const
-    {
-        return (sizeFlags >> NK_MESSAGE_HANDLES_SHIFT) & NK_MESSAGE_HANDLES_MASK;
-    }
+    uint32_t HandleCount() const { return (sizeFlags >> NK_MESSAGE_HANDLES_SHIFT) & NK_MESSAGE_HANDLES_MASK; }
 };
 
 void EncodeHeader(const FrameHeader& header, uint8_t* out24);
@@ -57,16 +54,15 @@ FrameHeader DecodeHeader(const uint8_t* in24);
 // A frame whose structure has been checked: the spans point into the packet that was read.
 struct ParsedFrame {
     FrameHeader header;
-    std::span<const uint8_t> message; // header included, Size() bytes
+    std::span<const uint8_t> message;  // header included, Size() bytes
     std::span<const uint8_t> arena;
-    uint32_t passedHandles = 0; // descriptors that are not invalid
+    uint32_t passedHandles = 0;  // descriptors that are not invalid
 };
 
 // Checks a packet: header present, known kind and version, size word against the real length,
 // handle descriptors inside the message, passed descriptors matching `fdCount`. On failure returns
 // NK_EBADMSG or NK_ETOOBIG and describes the fault in `reason`.
-int ParseFrame(std::span<const uint8_t> packet, size_t fdCount, ParsedFrame& out,
-               std::string& reason);
+int ParseFrame(std::span<const uint8_t> packet, size_t fdCount, ParsedFrame& out, std::string& reason);
 
 // Counts the descriptors of `message` (Size() bytes, HandleCount() descriptors) that carry a
 // handle.

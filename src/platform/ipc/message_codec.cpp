@@ -12,23 +12,20 @@
 namespace hos::platform {
 namespace {
 
-uint32_t ReadDescriptorWord(const uint8_t* message, uint32_t index)
-{
+uint32_t ReadDescriptorWord(const uint8_t* message, uint32_t index) {
     uint32_t word = 0;
     std::memcpy(&word, message + NK_MESSAGE_HEADER_SIZE + index * NK_HANDLE_DESC_SIZE, sizeof(word));
     return word;
 }
 
-void WriteDescriptorWord(uint8_t* message, uint32_t index, uint32_t word)
-{
+void WriteDescriptorWord(uint8_t* message, uint32_t index, uint32_t word) {
     std::memcpy(message + NK_MESSAGE_HEADER_SIZE + index * NK_HANDLE_DESC_SIZE, &word, sizeof(word));
 }
 
 }  // namespace
 
 int PrepareOutgoing(const nk_message* message, const nk_arena* arena, const FrameHeader& frame,
-                    OutgoingPacket& out, std::string& reason)
-{
+                    OutgoingPacket& out, std::string& reason) {
     if (message == nullptr) {
         reason = "null message";
         return NK_EINVAL;
@@ -56,8 +53,8 @@ int PrepareOutgoing(const nk_message* message, const nk_arena* arena, const Fram
         arenaUsed = static_cast<size_t>(arena->cursor - arena->start);
     }
     if (size + arenaUsed > kMaxFrameSize) {
-        reason = fmt::format("message of {} bytes with an arena of {} exceeds the frame limit of {}",
-                             size, arenaUsed, kMaxFrameSize);
+        reason = fmt::format("message of {} bytes with an arena of {} exceeds the frame limit of {}", size,
+                             arenaUsed, kMaxFrameSize);
         return NK_ETOOBIG;
     }
     const auto* bytes = reinterpret_cast<const uint8_t*>(message);
@@ -70,8 +67,7 @@ int PrepareOutgoing(const nk_message* message, const nk_arena* arena, const Fram
         }
         auto object = HandleTable::Instance().Find(handle);
         if (!object || object->Fd() < 0) {
-            reason = fmt::format("handle descriptor {} holds handle {}, which cannot be passed", i,
-                                 handle);
+            reason = fmt::format("handle descriptor {} holds handle {}, which cannot be passed", i, handle);
             return NK_EBADHANDLE;
         }
         out.fds.push_back(object->Fd());
@@ -96,9 +92,8 @@ int PrepareOutgoing(const nk_message* message, const nk_arena* arena, const Fram
     return NK_EOK;
 }
 
-void PrepareBare(const FrameHeader& frame, std::span<const uint8_t> body,
-                 std::span<const uint8_t> arena, OutgoingPacket& out)
-{
+void PrepareBare(const FrameHeader& frame, std::span<const uint8_t> body, std::span<const uint8_t> arena,
+                 OutgoingPacket& out) {
     FrameHeader header = frame;
     header.sizeFlags = nk_size_word(static_cast<uint32_t>(NK_MESSAGE_HEADER_SIZE + body.size()), 0) |
                        (frame.sizeFlags & NK_MESSAGE_FAILED_FLAG);
@@ -117,9 +112,8 @@ void PrepareBare(const FrameHeader& frame, std::span<const uint8_t> body,
     }
 }
 
-int DeliverFrame(const ParsedFrame& frame, std::vector<UniqueFd>& fds, nk_message* message,
-                 nk_arena* arena, std::string& reason)
-{
+int DeliverFrame(const ParsedFrame& frame, std::vector<UniqueFd>& fds, nk_message* message, nk_arena* arena,
+                 std::string& reason) {
     const uint32_t roomSize = std::max<uint32_t>(nk_message_size(message), NK_MESSAGE_HEADER_SIZE);
     const uint32_t roomHandles = nk_message_handle_count(message);
     const size_t roomArena = nk_arena_capacity(arena);
@@ -154,9 +148,8 @@ int DeliverFrame(const ParsedFrame& frame, std::vector<UniqueFd>& fds, nk_messag
         if ((word & NK_HANDLE_DESC_HANDLE_MASK) == NK_HANDLE_DESC_INVALID) {
             continue;
         }
-        WriteDescriptorWord(bytes, i,
-                            (word & ~NK_HANDLE_DESC_HANDLE_MASK) |
-                                (adopted[next++] & NK_HANDLE_DESC_HANDLE_MASK));
+        WriteDescriptorWord(
+            bytes, i, (word & ~NK_HANDLE_DESC_HANDLE_MASK) | (adopted[next++] & NK_HANDLE_DESC_HANDLE_MASK));
     }
     if (arena != nullptr && arena->start != nullptr) {
         if (!frame.arena.empty()) {

@@ -23,7 +23,7 @@ struct OutgoingPacket {
     std::array<iovec, 3> parts{};
     size_t partCount = 0;
     std::vector<int> fds;
-    std::vector<std::shared_ptr<HandleObject>> keepAlive; // owners of `fds` while sending
+    std::vector<std::shared_ptr<HandleObject>> keepAlive;  // owners of `fds` while sending
 };
 
 // Prepares `message` (with `arena`, which may be null) for sending with the platform fields of
@@ -33,14 +33,14 @@ int PrepareOutgoing(const nk_message* message, const nk_arena* arena, const Fram
                     OutgoingPacket& out, std::string& reason);
 
 // Prepares a frame of a bare header with no handles and an optional arena.
-void PrepareBare(const FrameHeader& frame, std::span<const uint8_t> body,
-                 std::span<const uint8_t> arena, OutgoingPacket& out);
+void PrepareBare(const FrameHeader& frame, std::span<const uint8_t> body, std::span<const uint8_t> arena,
+                 OutgoingPacket& out);
 
 // Copies `frame` into `message` and `arena` when it fits their room (size word of `message` on
 // entry, at least 24 bytes; its handle count; the arena from start to end). Each passed descriptor
 // in `fds` becomes a local handle written into its handle descriptor. Returns 0, or NK_ETOOBIG /
 // NK_ENOMEM with `reason` set; on failure `message` and `arena` are untouched and `fds` closed.
-int DeliverFrame(const ParsedFrame& frame, std::vector<UniqueFd>& fds, nk_message* message,
-                 nk_arena* arena, std::string& reason);
+int DeliverFrame(const ParsedFrame& frame, std::vector<UniqueFd>& fds, nk_message* message, nk_arena* arena,
+                 std::string& reason);
 
 }  // namespace hos::platform

@@ -6,18 +6,16 @@
 #include <cerrno>
 #include <cstring>
 
-#include "ipc/frame.h"
 #include <platform/nk_result.h>
+#include "ipc/frame.h"
 
 namespace hos::platform {
 namespace {
 
 constexpr size_t kControlSize = CMSG_SPACE(sizeof(int) * kMaxHandles);
 
-void CollectFds(msghdr& message, std::vector<UniqueFd>& fds)
-{
-    for (cmsghdr* item = CMSG_FIRSTHDR(&message); item != nullptr;
-         item = CMSG_NXTHDR(&message, item)) {
+void CollectFds(msghdr& message, std::vector<UniqueFd>& fds) {
+    for (cmsghdr* item = CMSG_FIRSTHDR(&message); item != nullptr; item = CMSG_NXTHDR(&message, item)) {
         if (item->cmsg_level != SOL_SOCKET || item->cmsg_type != SCM_RIGHTS) {
             continue;
         }
@@ -33,8 +31,7 @@ void CollectFds(msghdr& message, std::vector<UniqueFd>& fds)
 
 }  // namespace
 
-ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds)
-{
+ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds) {
     fds.clear();
     buffer.resize(kMaxFrameSize + 1);
     alignas(cmsghdr) unsigned char control[kControlSize];
@@ -71,9 +68,7 @@ ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd
     return {ReadStatus::Packet, static_cast<size_t>(got)};
 }
 
-int SendPacket(int fd, std::span<const iovec> parts, std::span<const int> fds,
-               const Deadline& deadline)
-{
+int SendPacket(int fd, std::span<const iovec> parts, std::span<const int> fds, const Deadline& deadline) {
     if (fds.size() > kMaxHandles) {
         return NK_ETOOBIG;
     }
@@ -119,15 +114,13 @@ int SendPacket(int fd, std::span<const iovec> parts, std::span<const int> fds,
         if (ready == 0) {
             return NK_TRANSPORT_TIMEOUT;
         }
-        if (ready > 0 && (waiting.revents & (POLLHUP | POLLERR)) != 0 &&
-            (waiting.revents & POLLOUT) == 0) {
+        if (ready > 0 && (waiting.revents & (POLLHUP | POLLERR)) != 0 && (waiting.revents & POLLOUT) == 0) {
             return NK_ECLOSED;
         }
     }
 }
 
-int WaitReadable(int fd, const Deadline& deadline)
-{
+int WaitReadable(int fd, const Deadline& deadline) {
     for (;;) {
         pollfd waiting{fd, POLLIN, 0};
         const int ready = ::poll(&waiting, 1, deadline.RemainingPollMs());
@@ -140,8 +133,7 @@ int WaitReadable(int fd, const Deadline& deadline)
     }
 }
 
-UniqueFd MakeSeqPacketSocket()
-{
+UniqueFd MakeSeqPacketSocket() {
     UniqueFd fd(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (fd.IsValid()) {
         TuneSocketBuffers(fd.Get());
@@ -149,8 +141,7 @@ UniqueFd MakeSeqPacketSocket()
     return fd;
 }
 
-void TuneSocketBuffers(int fd)
-{
+void TuneSocketBuffers(int fd) {
     // The kernel doubles the value and caps it; the default already fits a frame on most systems.
     const int size = static_cast<int>(kMaxFrameSize + 4096);
     ::setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &size, sizeof(size));

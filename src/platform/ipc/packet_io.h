@@ -14,11 +14,11 @@
 namespace hos::platform {
 
 enum class ReadStatus {
-    Packet,     // a whole packet is in the buffer
-    WouldBlock, // nothing to read now
-    Closed,     // the peer has gone
-    Oversized,  // the packet was larger than the frame limit; it has been discarded
-    TooManyFds, // the packet passed more descriptors than a frame may hold
+    Packet,      // a whole packet is in the buffer
+    WouldBlock,  // nothing to read now
+    Closed,      // the peer has gone
+    Oversized,   // the packet was larger than the frame limit; it has been discarded
+    TooManyFds,  // the packet passed more descriptors than a frame may hold
     Failed,
 };
 
@@ -32,8 +32,7 @@ ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd
 
 // Sends one packet made of `parts` with `fds`, waiting for room until `deadline`.
 // Returns 0, NK_ECLOSED, NK_TRANSPORT_TIMEOUT, NK_ETOOBIG or NK_EFAIL.
-int SendPacket(int fd, std::span<const iovec> parts, std::span<const int> fds,
-               const Deadline& deadline);
+int SendPacket(int fd, std::span<const iovec> parts, std::span<const int> fds, const Deadline& deadline);
 
 // Waits until `fd` is readable or hung up. Returns 1, 0 when the deadline passed, or -1.
 int WaitReadable(int fd, const Deadline& deadline);

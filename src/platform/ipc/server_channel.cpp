@@ -30,8 +30,7 @@ constexpr uint32_t kRefusalSendMs = 100;
 // Longest wait for room when replying, whatever the transport's send timeout says.
 constexpr uint32_t kMaxReplySendMs = 5000;
 
-sockaddr_un MakeAddress(const std::string& path)
-{
+sockaddr_un MakeAddress(const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
@@ -39,8 +38,7 @@ sockaddr_un MakeAddress(const std::string& path)
 }
 
 // True when a live server answers on `path`.
-bool IsServed(const sockaddr_un& address)
-{
+bool IsServed(const sockaddr_un& address) {
     UniqueFd probe = MakeSeqPacketSocket();
     if (!probe.IsValid()) {
         return false;
@@ -51,20 +49,16 @@ bool IsServed(const sockaddr_un& address)
 
 }  // namespace
 
-std::shared_ptr<ServerChannel> ServerChannel::Open(const std::string& name, int& rc)
-{
+std::shared_ptr<ServerChannel> ServerChannel::Open(const std::string& name, int& rc) {
     return OpenImpl(name, ::geteuid(), rc);
 }
 
-std::shared_ptr<ServerChannel> ServerChannel::OpenForTesting(const std::string& name,
-                                                             uid_t allowedUid, int& rc)
-{
+std::shared_ptr<ServerChannel> ServerChannel::OpenForTesting(const std::string& name, uid_t allowedUid,
+                                                             int& rc) {
     return OpenImpl(name, allowedUid, rc);
 }
 
-std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, uid_t allowedUid,
-                                                       int& rc)
-{
+std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, uid_t allowedUid, int& rc) {
     const auto root = runtime_directory::Ensure();
     if (!root) {
         rc = NK_EFAIL;
@@ -111,8 +105,8 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, 
         rc = NK_EFAIL;
         return nullptr;
     }
-    std::shared_ptr<ServerChannel> channel(new ServerChannel(
-        name, *path, info.st_ino, allowedUid, std::move(listenFd), std::move(wakeFd)));
+    std::shared_ptr<ServerChannel> channel(
+        new ServerChannel(name, *path, info.st_ino, allowedUid, std::move(listenFd), std::move(wakeFd)));
     channel->m_thread = std::thread([raw = channel.get()] { raw->Run(); });
     rc = NK_EOK;
     return channel;
@@ -125,17 +119,13 @@ ServerChannel::ServerChannel(std::string name, std::string path, ino_t inode, ui
       m_inode(inode),
       m_allowedUid(allowedUid),
       m_listenFd(std::move(listenFd)),
-      m_wakeFd(std::move(wakeFd))
-{
-}
+      m_wakeFd(std::move(wakeFd)) {}
 
-ServerChannel::~ServerChannel()
-{
+ServerChannel::~ServerChannel() {
     Shutdown();
 }
 
-void ServerChannel::Shutdown()
-{
+void ServerChannel::Shutdown() {
     std::lock_guard shutdownLock(m_shutdownMutex);
     {
         std::lock_guard lock(m_mutex);
@@ -163,14 +153,12 @@ void ServerChannel::Shutdown()
     m_listenFd.Reset();
 }
 
-void ServerChannel::Wake()
-{
+void ServerChannel::Wake() {
     const uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = ::write(m_wakeFd.Get(), &one, sizeof(one));
 }
 
-void ServerChannel::Run()
-{
+void ServerChannel::Run() {
     std::vector<pollfd> polled;
     std::vector<std::shared_ptr<Connection>> clients;
     for (;;) {
@@ -215,21 +203,25 @@ void ServerChannel::Run()
     }
 }
 
-void ServerChannel::AcceptClients()
-{
+void ServerChannel::AcceptClients() {
     for (;;) {
         UniqueFd fd(::accept4(m_listenFd.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
         if (!fd.IsValid()) {
             if (errno == EINTR || errno == ECONNABORTED) {
                 continue;
             }
+            if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
+                // The client stays in the backlog; pausing keeps the pump from spinning on it.
+                HL_LOG(LogLevel::Error, "Server {}: cannot accept a client: {}", m_name,
+                       std::strerror(errno));
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            }
             return;
         }
         ucred credentials{};
         socklen_t length = sizeof(credentials);
         if (::getsockopt(fd.Get(), SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
-            HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown",
-                   m_name);
+            HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown", m_name);
             continue;
         }
         auto connection = std::make_shared<Connection>();
@@ -249,8 +241,7 @@ void ServerChannel::AcceptClients()
     }
 }
 
-void ServerChannel::ServeClient(const std::shared_ptr<Connection>& connection)
-{
+void ServerChannel::ServeClient(const std::shared_ptr<Connection>& connection) {
     std::vector<UniqueFd> fds;
     const ReadResult read = ReadPacket(connection->fd.Get(), m_buffer, fds);
     if (connection->refused && read.status != ReadStatus::WouldBlock) {
@@ -261,28 +252,27 @@ void ServerChannel::ServeClient(const std::shared_ptr<Connection>& connection)
         return;
     }
     switch (read.status) {
-    case ReadStatus::WouldBlock:
-        return;
-    case ReadStatus::Closed:
-    case ReadStatus::Failed:
-        Drop(connection->id);
-        return;
-    case ReadStatus::Oversized:
-        Refuse(*connection, m_buffer.data(), kMaxFrameSize, NK_ETOOBIG,
-               "frame larger than " + std::to_string(kMaxFrameSize) + " bytes");
-        return;
-    case ReadStatus::TooManyFds:
-        Refuse(*connection, m_buffer.data(), read.length, NK_ETOOBIG, "too many passed handles");
-        return;
-    case ReadStatus::Packet:
-        HandleFrame(connection, read.length, fds);
-        return;
+        case ReadStatus::WouldBlock:
+            return;
+        case ReadStatus::Closed:
+        case ReadStatus::Failed:
+            Drop(connection->id);
+            return;
+        case ReadStatus::Oversized:
+            Refuse(*connection, m_buffer.data(), kMaxFrameSize, NK_ETOOBIG,
+                   "frame larger than " + std::to_string(kMaxFrameSize) + " bytes");
+            return;
+        case ReadStatus::TooManyFds:
+            Refuse(*connection, m_buffer.data(), read.length, NK_ETOOBIG, "too many passed handles");
+            return;
+        case ReadStatus::Packet:
+            HandleFrame(connection, read.length, fds);
+            return;
     }
 }
 
 void ServerChannel::HandleFrame(const std::shared_ptr<Connection>& connection, size_t length,
-                                std::vector<UniqueFd>& fds)
-{
+                                std::vector<UniqueFd>& fds) {
     ParsedFrame frame;
     std::string reason;
     const std::span<const uint8_t> packet(m_buffer.data(), length);
@@ -300,8 +290,7 @@ void ServerChannel::HandleFrame(const std::shared_ptr<Connection>& connection, s
                "unexpected frame kind " + std::to_string(static_cast<int>(frame.header.kind)));
         return;
     }
-    QueuedRequest request{connection, std::vector<uint8_t>(packet.begin(), packet.end()),
-                          std::move(fds)};
+    QueuedRequest request{connection, std::vector<uint8_t>(packet.begin(), packet.end()), std::move(fds)};
     {
         std::lock_guard lock(m_mutex);
         ++connection->queued;
@@ -310,8 +299,7 @@ void ServerChannel::HandleFrame(const std::shared_ptr<Connection>& connection, s
     m_requestReady.notify_one();
 }
 
-void ServerChannel::AnswerResolve(Connection& connection, const ParsedFrame& frame)
-{
+void ServerChannel::AnswerResolve(Connection& connection, const ParsedFrame& frame) {
     const std::string_view name(reinterpret_cast<const char*>(frame.arena.data()), frame.arena.size());
     const int riid = Task::Self().Resolve(name);
     if (riid < 0) {
@@ -332,10 +320,9 @@ void ServerChannel::AnswerResolve(Connection& connection, const ParsedFrame& fra
 }
 
 void ServerChannel::Refuse(Connection& connection, const uint8_t* packet, size_t length, int code,
-                           const std::string& reason)
-{
-    HL_LOG(LogLevel::Warning, "Server {}: refused a frame from client {}: {} ({:#x})", m_name,
-           connection.id, reason, static_cast<uint32_t>(code));
+                           const std::string& reason) {
+    HL_LOG(LogLevel::Warning, "Server {}: refused a frame from client {}: {} ({:#x})", m_name, connection.id,
+           reason, static_cast<uint32_t>(code));
     FrameHeader answer;
     answer.kind = FrameKind::Refused;
     if (packet != nullptr && length >= NK_MESSAGE_HEADER_SIZE) {
@@ -351,8 +338,7 @@ void ServerChannel::Refuse(Connection& connection, const uint8_t* packet, size_t
                Deadline::FromTimeoutMs(kRefusalSendMs));
 }
 
-void ServerChannel::Drop(uint64_t id)
-{
+void ServerChannel::Drop(uint64_t id) {
     std::vector<QueuedRequest> dropped;
     std::lock_guard lock(m_mutex);
     m_connections.erase(id);
@@ -366,16 +352,13 @@ void ServerChannel::Drop(uint64_t id)
     }
 }
 
-std::shared_ptr<ServerChannel::Connection> ServerChannel::FindConnection(uint64_t id)
-{
+std::shared_ptr<ServerChannel::Connection> ServerChannel::FindConnection(uint64_t id) {
     std::lock_guard lock(m_mutex);
     const auto found = m_connections.find(id);
     return found != m_connections.end() ? found->second : nullptr;
 }
 
-int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline& deadline,
-                           Pending& pending)
-{
+int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline& deadline, Pending& pending) {
     for (;;) {
         QueuedRequest next;
         {
@@ -411,12 +394,10 @@ int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline&
 }
 
 int ServerChannel::Reply(const Pending& pending, const nk_message* response, const nk_arena* arena,
-                         const Deadline& deadline)
-{
+                         const Deadline& deadline) {
     const auto connection = FindConnection(pending.client);
     if (!connection) {
-        HL_LOG(LogLevel::Debug, "Server {}: client {} has gone before its reply", m_name,
-               pending.client);
+        HL_LOG(LogLevel::Debug, "Server {}: client {} has gone before its reply", m_name, pending.client);
         return NK_ECLOSED;
     }
     FrameHeader frame;
@@ -426,8 +407,8 @@ int ServerChannel::Reply(const Pending& pending, const nk_message* response, con
     std::string reason;
     int rc = PrepareOutgoing(response, arena, frame, out, reason);
     if (rc != NK_EOK) {
-        HL_LOG(LogLevel::Error, "Server {}: reply to client {} cannot be sent: {}", m_name,
-               pending.client, reason);
+        HL_LOG(LogLevel::Error, "Server {}: reply to client {} cannot be sent: {}", m_name, pending.client,
+               reason);
         FrameHeader refusal;
         refusal.kind = FrameKind::Refused;
         refusal.sequence = pending.sequence;
@@ -445,12 +426,12 @@ int ServerChannel::Reply(const Pending& pending, const nk_message* response, con
                                 : deadline;
     rc = SendPacket(connection->fd.Get(), std::span(out.parts.data(), out.partCount), out.fds, capped);
     if (rc == NK_TRANSPORT_TIMEOUT) {
-        HL_LOG(LogLevel::Warning, "Server {}: client {} does not take its replies; disconnecting it",
-               m_name, pending.client);
+        HL_LOG(LogLevel::Warning, "Server {}: client {} does not take its replies; disconnecting it", m_name,
+               pending.client);
         Drop(pending.client);
     } else if (rc != NK_EOK) {
-        HL_LOG(LogLevel::Debug, "Server {}: reply to client {} failed with {:#x}", m_name,
-               pending.client, static_cast<uint32_t>(rc));
+        HL_LOG(LogLevel::Debug, "Server {}: reply to client {} failed with {:#x}", m_name, pending.client,
+               static_cast<uint32_t>(rc));
     }
     return rc;
 }

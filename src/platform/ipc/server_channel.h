@@ -44,8 +44,7 @@ public:
     // of this process's effective uid are served. Null with `rc` set on failure (logged).
     static std::shared_ptr<ServerChannel> Open(const std::string& name, int& rc);
     // The same with another allowed uid, so that a test can watch a refusal without a second user.
-    static std::shared_ptr<ServerChannel> OpenForTesting(const std::string& name, uid_t allowedUid,
-                                                         int& rc);
+    static std::shared_ptr<ServerChannel> OpenForTesting(const std::string& name, uid_t allowedUid, int& rc);
     ~ServerChannel();
 
     ServerChannel(const ServerChannel&) = delete;
@@ -67,7 +66,7 @@ private:
         uint64_t id = 0;
         UniqueFd fd;
         uint32_t queued = 0;
-        bool refused = false; // a peer of another user: its first frame is refused, then it goes
+        bool refused = false;  // a peer of another user: its first frame is refused, then it goes
     };
     struct QueuedRequest {
         std::shared_ptr<Connection> connection;
@@ -75,10 +74,9 @@ private:
         std::vector<UniqueFd> fds;
     };
 
-    ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid,
-                  UniqueFd listenFd, UniqueFd wakeFd);
-    static std::shared_ptr<ServerChannel> OpenImpl(const std::string& name, uid_t allowedUid,
-                                                   int& rc);
+    ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid, UniqueFd listenFd,
+                  UniqueFd wakeFd);
+    static std::shared_ptr<ServerChannel> OpenImpl(const std::string& name, uid_t allowedUid, int& rc);
 
     void Run();
     void Wake();
@@ -98,7 +96,7 @@ private:
     const uid_t m_allowedUid;
     UniqueFd m_listenFd;
     UniqueFd m_wakeFd;
-    std::vector<uint8_t> m_buffer; // the pump's packet buffer
+    std::vector<uint8_t> m_buffer;  // the pump's packet buffer
 
     std::mutex m_mutex;
     std::condition_variable m_requestReady;

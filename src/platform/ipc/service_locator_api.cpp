@@ -29,8 +29,7 @@ struct Registrations {
     unsigned int nextId = 1;
 };
 
-Registrations& TheRegistrations()
-{
+Registrations& TheRegistrations() {
     static Registrations registrations;
     return registrations;
 }
@@ -38,8 +37,7 @@ Registrations& TheRegistrations()
 }  // namespace
 
 extern "C" unsigned int ServiceLocatorRegister(const char* name, const void* /*options*/,
-                                               unsigned int /*flags*/, unsigned int* id)
-{
+                                               unsigned int /*flags*/, unsigned int* id) {
     if (name == nullptr || !hos::platform::IsValidPlatformName(name)) {
         HL_LOG(LogLevel::Error, "ServiceLocatorRegister: invalid name \"{}\"",
                name != nullptr ? name : "(null)");
@@ -65,15 +63,13 @@ extern "C" unsigned int ServiceLocatorRegister(const char* name, const void* /*o
     return handle;
 }
 
-extern "C" int ServiceLocatorUnregister(unsigned int id)
-{
+extern "C" int ServiceLocatorUnregister(unsigned int id) {
     auto& registrations = TheRegistrations();
     std::lock_guard lock(registrations.mutex);
     return registrations.names.erase(id) > 0 ? NK_EOK : NK_ENOTFOUND;
 }
 
-extern "C" unsigned int ServiceLocatorConnect(const char* server)
-{
+extern "C" unsigned int ServiceLocatorConnect(const char* server) {
     if (server == nullptr) {
         return NK_INVALID_HANDLE;
     }
@@ -85,15 +81,14 @@ extern "C" unsigned int ServiceLocatorConnect(const char* server)
         std::make_shared<HandleObject>(HandleObject::Kind::Channel, std::move(fd)));
 }
 
-extern "C" unsigned short ServiceLocatorGetRiid(unsigned int handle, const char* interfaceName)
-{
+extern "C" unsigned short ServiceLocatorGetRiid(unsigned int handle, const char* interfaceName) {
     const auto channel = HandleTable::Instance().Find(handle);
     if (!channel || channel->GetKind() != HandleObject::Kind::Channel || interfaceName == nullptr) {
         return NK_INVALID_RIID;
     }
     unsigned int riid = NK_INVALID_RIID;
-    if (hos::platform::client_channel::Resolve(
-            *channel, interfaceName, Deadline::FromTimeoutMs(kGetRiidTimeoutMs), riid) != NK_EOK ||
+    if (hos::platform::client_channel::Resolve(*channel, interfaceName,
+                                               Deadline::FromTimeoutMs(kGetRiidTimeoutMs), riid) != NK_EOK ||
         riid >= NK_INVALID_RIID) {
         return NK_INVALID_RIID;
     }

@@ -14,15 +14,13 @@ using hos::platform::Deadline;
 using hos::platform::HandleObject;
 using hos::platform::HandleTable;
 
-std::shared_ptr<HandleObject> FindOfKind(unsigned int handle, HandleObject::Kind kind)
-{
+std::shared_ptr<HandleObject> FindOfKind(unsigned int handle, HandleObject::Kind kind) {
     auto object = HandleTable::Instance().Find(handle);
     return object && object->GetKind() == kind ? object : nullptr;
 }
 
 int Call(NkHosTransport* transport, const nk_message* request, const nk_arena* requestArena,
-         nk_message* response, nk_arena* responseArena)
-{
+         nk_message* response, nk_arena* responseArena) {
     if (transport == nullptr) {
         return NK_EINVAL;
     }
@@ -34,8 +32,7 @@ int Call(NkHosTransport* transport, const nk_message* request, const nk_arena* r
                                                responseArena);
 }
 
-int Receive(NkHosTransport* transport, nk_message* request, nk_arena* requestArena)
-{
+int Receive(NkHosTransport* transport, nk_message* request, nk_arena* requestArena) {
     if (transport == nullptr || request == nullptr) {
         return NK_EINVAL;
     }
@@ -44,8 +41,8 @@ int Receive(NkHosTransport* transport, nk_message* request, nk_arena* requestAre
         return NK_EBADHANDLE;
     }
     hos::platform::ServerChannel::Pending pending;
-    const int rc = server->Server()->Receive(
-        request, requestArena, Deadline::FromTimeoutMs(transport->recvTimeoutMs), pending);
+    const int rc = server->Server()->Receive(request, requestArena,
+                                             Deadline::FromTimeoutMs(transport->recvTimeoutMs), pending);
     if (rc == NK_EOK) {
         transport->pendingClient = pending.client;
         transport->pendingSequence = pending.sequence;
@@ -53,8 +50,7 @@ int Receive(NkHosTransport* transport, nk_message* request, nk_arena* requestAre
     return rc;
 }
 
-int Reply(NkHosTransport* transport, const nk_message* response, const nk_arena* responseArena)
-{
+int Reply(NkHosTransport* transport, const nk_message* response, const nk_arena* responseArena) {
     if (transport == nullptr || response == nullptr) {
         return NK_EINVAL;
     }
@@ -65,8 +61,7 @@ int Reply(NkHosTransport* transport, const nk_message* response, const nk_arena*
     if (transport->pendingClient == 0) {
         return NK_EINVAL;
     }
-    const hos::platform::ServerChannel::Pending pending{transport->pendingClient,
-                                                        transport->pendingSequence};
+    const hos::platform::ServerChannel::Pending pending{transport->pendingClient, transport->pendingSequence};
     // A request is answered once; a second reply would reach a client that waits for another.
     transport->pendingClient = 0;
     return server->Server()->Reply(pending, response, responseArena,
@@ -77,9 +72,8 @@ const NkHosTransportOps kOperations{&Call, &Receive, &Reply};
 
 }  // namespace
 
-extern "C" int NkHosTransport_Init(NkHosTransport* transport, unsigned int handle,
-                                   const void* /*config*/, unsigned int /*flags*/)
-{
+extern "C" int NkHosTransport_Init(NkHosTransport* transport, unsigned int handle, const void* /*config*/,
+                                   unsigned int /*flags*/) {
     if (transport == nullptr) {
         return NK_EINVAL;
     }
@@ -92,8 +86,7 @@ extern "C" int NkHosTransport_Init(NkHosTransport* transport, unsigned int handl
 }
 
 extern "C" int NkHosSetTransportTimeouts(NkHosTransport* transport, unsigned int receiveMs,
-                                         unsigned int sendMs)
-{
+                                         unsigned int sendMs) {
     if (transport == nullptr) {
         return NK_EINVAL;
     }

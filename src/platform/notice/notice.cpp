@@ -29,8 +29,7 @@ struct Watched {
 
 }  // namespace
 
-std::unique_ptr<Notice> Notice::Create()
-{
+std::unique_ptr<Notice> Notice::Create() {
     UniqueFd dropFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     UniqueFd refreshFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     if (!dropFd.IsValid() || !refreshFd.IsValid()) {
@@ -40,18 +39,14 @@ std::unique_ptr<Notice> Notice::Create()
 }
 
 Notice::Notice(UniqueFd dropFd, UniqueFd refreshFd)
-    : m_dropFd(std::move(dropFd)), m_refreshFd(std::move(refreshFd))
-{
-}
+    : m_dropFd(std::move(dropFd)), m_refreshFd(std::move(refreshFd)) {}
 
-void Notice::Refresh()
-{
+void Notice::Refresh() {
     const uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = ::write(m_refreshFd.Get(), &one, sizeof(one));
 }
 
-int Notice::Subscribe(unsigned int handle, unsigned int mask, unsigned long eventId)
-{
+int Notice::Subscribe(unsigned int handle, unsigned int mask, unsigned long eventId) {
     auto object = HandleTable::Instance().Find(handle);
     if (!object || object->Fd() < 0) {
         return NK_EBADHANDLE;
@@ -64,8 +59,7 @@ int Notice::Subscribe(unsigned int handle, unsigned int mask, unsigned long even
     return NK_EOK;
 }
 
-int Notice::UnsubscribeObject(unsigned int handle)
-{
+int Notice::UnsubscribeObject(unsigned int handle) {
     {
         std::lock_guard lock(m_mutex);
         if (m_subscriptions.erase(handle) == 0) {
@@ -76,8 +70,7 @@ int Notice::UnsubscribeObject(unsigned int handle)
     return NK_EOK;
 }
 
-int Notice::UnsubscribeEvent(unsigned long eventId)
-{
+int Notice::UnsubscribeEvent(unsigned long eventId) {
     size_t removed = 0;
     {
         std::lock_guard lock(m_mutex);
@@ -97,16 +90,14 @@ int Notice::UnsubscribeEvent(unsigned long eventId)
     return NK_EOK;
 }
 
-int Notice::DropAndWake()
-{
+int Notice::DropAndWake() {
     m_dropped = true;
     const uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = ::write(m_dropFd.Get(), &one, sizeof(one));
     return NK_EOK;
 }
 
-unsigned int Notice::DrainEvents(int fd, bool& closed)
-{
+unsigned int Notice::DrainEvents(int fd, bool& closed) {
     unsigned int raised = 0;
     std::vector<uint8_t> buffer;
     std::vector<UniqueFd> fds;
@@ -132,8 +123,7 @@ unsigned int Notice::DrainEvents(int fd, bool& closed)
 }
 
 int Notice::GetEvents(unsigned long timeoutMs, unsigned long maxCount, EventDesc* events,
-                      unsigned long* count)
-{
+                      unsigned long* count) {
     if (count == nullptr || (maxCount > 0 && events == nullptr)) {
         return NK_EINVAL;
     }
@@ -156,7 +146,8 @@ int Notice::GetEvents(unsigned long timeoutMs, unsigned long maxCount, EventDesc
                     continue;
                 }
                 const bool readsEvents = subscription.object->GetKind() == HandleObject::Kind::ObjectEnd;
-                polled.push_back({subscription.object->Fd(), static_cast<short>(readsEvents ? POLLIN : 0), 0});
+                polled.push_back(
+                    {subscription.object->Fd(), static_cast<short>(readsEvents ? POLLIN : 0), 0});
                 watched.push_back({handle, subscription.object, subscription.mask, subscription.eventId});
             }
         }

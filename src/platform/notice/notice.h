@@ -27,8 +27,7 @@ public:
     static std::unique_ptr<Notice> Create();
 
     int Subscribe(unsigned int handle, unsigned int mask, unsigned long eventId);
-    int GetEvents(unsigned long timeoutMs, unsigned long maxCount, EventDesc* events,
-                  unsigned long* count);
+    int GetEvents(unsigned long timeoutMs, unsigned long maxCount, EventDesc* events, unsigned long* count);
     int UnsubscribeObject(unsigned int handle);
     int UnsubscribeEvent(unsigned long eventId);
     int DropAndWake();

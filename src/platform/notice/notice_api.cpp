@@ -16,8 +16,7 @@ struct SNotice {
     std::unique_ptr<hos::platform::Notice> notice;
 };
 
-extern "C" int KnNoticeCreate(SNotice** notice)
-{
+extern "C" int KnNoticeCreate(SNotice** notice) {
     if (notice == nullptr) {
         return NK_EINVAL;
     }
@@ -30,35 +29,28 @@ extern "C" int KnNoticeCreate(SNotice** notice)
 }
 
 extern "C" int KnNoticeSubscribeToObject(SNotice* notice, unsigned int handle, unsigned int mask,
-                                         unsigned long eventId)
-{
+                                         unsigned long eventId) {
     return notice != nullptr ? notice->notice->Subscribe(handle, mask, eventId) : NK_EINVAL;
 }
 
 extern "C" int KnNoticeGetEvent(SNotice* notice, unsigned long timeoutMs, unsigned long maxCount,
-                                EventDesc* events, unsigned long* count)
-{
-    return notice != nullptr ? notice->notice->GetEvents(timeoutMs, maxCount, events, count)
-                             : NK_EINVAL;
+                                EventDesc* events, unsigned long* count) {
+    return notice != nullptr ? notice->notice->GetEvents(timeoutMs, maxCount, events, count) : NK_EINVAL;
 }
 
-extern "C" int KnNoticeUnsubscribeFromObject(SNotice* notice, unsigned int handle)
-{
+extern "C" int KnNoticeUnsubscribeFromObject(SNotice* notice, unsigned int handle) {
     return notice != nullptr ? notice->notice->UnsubscribeObject(handle) : NK_EINVAL;
 }
 
-extern "C" int KnNoticeUnsubscribeFromEvent(SNotice* notice, unsigned long eventId)
-{
+extern "C" int KnNoticeUnsubscribeFromEvent(SNotice* notice, unsigned long eventId) {
     return notice != nullptr ? notice->notice->UnsubscribeEvent(eventId) : NK_EINVAL;
 }
 
-extern "C" int KnNoticeDropAndWake(SNotice* notice)
-{
+extern "C" int KnNoticeDropAndWake(SNotice* notice) {
     return notice != nullptr ? notice->notice->DropAndWake() : NK_EINVAL;
 }
 
-extern "C" int KnNoticeRelease(SNotice* notice)
-{
+extern "C" int KnNoticeRelease(SNotice* notice) {
     if (notice == nullptr) {
         return NK_EINVAL;
     }
@@ -66,8 +58,7 @@ extern "C" int KnNoticeRelease(SNotice* notice)
     return NK_EOK;
 }
 
-extern "C" int KnNoticeSetObjectEvent(unsigned int handle, unsigned int mask)
-{
+extern "C" int KnNoticeSetObjectEvent(unsigned int handle, unsigned int mask) {
     using namespace hos::platform;
     const auto object = HandleTable::Instance().Find(handle);
     if (!object || object->GetKind() != HandleObject::Kind::ObjectEnd) {
@@ -79,8 +70,8 @@ extern "C" int KnNoticeSetObjectEvent(unsigned int handle, unsigned int mask)
     frame.result = static_cast<int32_t>(mask);
     OutgoingPacket out;
     PrepareBare(frame, {}, {}, out);
-    const int rc = SendPacket(object->Fd(), std::span(out.parts.data(), out.partCount), {},
-                              Deadline::FromTimeoutMs(0));
+    const int rc =
+        SendPacket(object->Fd(), std::span(out.parts.data(), out.partCount), {}, Deadline::FromTimeoutMs(0));
     // A full queue means the other end has events it has not read yet; the raise is dropped.
     return rc == NK_TRANSPORT_TIMEOUT ? NK_EOK : rc;
 }

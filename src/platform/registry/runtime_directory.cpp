@@ -15,18 +15,15 @@ namespace {
 
 using hos::logger::LogLevel;
 
-std::string EnvOrEmpty(const char* name)
-{
+std::string EnvOrEmpty(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr ? std::string(value) : std::string();
 }
 
 // Creates `path` with mode 0700 if missing; an existing directory must be ours.
-bool EnsureOwnDirectory(const std::string& path)
-{
+bool EnsureOwnDirectory(const std::string& path) {
     if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) {
-        HL_LOG(LogLevel::Error, "Runtime directory {} cannot be created: {}", path,
-               std::strerror(errno));
+        HL_LOG(LogLevel::Error, "Runtime directory {} cannot be created: {}", path, std::strerror(errno));
         return false;
     }
     struct stat info {};
@@ -35,8 +32,8 @@ bool EnsureOwnDirectory(const std::string& path)
         return false;
     }
     if (info.st_uid != ::geteuid()) {
-        HL_LOG(LogLevel::Error, "Runtime directory {} belongs to uid {}, not to uid {}", path,
-               info.st_uid, ::geteuid());
+        HL_LOG(LogLevel::Error, "Runtime directory {} belongs to uid {}, not to uid {}", path, info.st_uid,
+               ::geteuid());
         return false;
     }
     if ((info.st_mode & 0077) != 0) {
@@ -48,8 +45,7 @@ bool EnsureOwnDirectory(const std::string& path)
 
 }  // namespace
 
-std::string Path()
-{
+std::string Path() {
     std::string path = EnvOrEmpty("HL_RUNTIME_DIR");
     if (!path.empty()) {
         return path;
@@ -61,8 +57,7 @@ std::string Path()
     return "/tmp/halcyra-" + std::to_string(::geteuid());
 }
 
-std::optional<std::string> Ensure()
-{
+std::optional<std::string> Ensure() {
     const std::string root = Path();
     if (!EnsureOwnDirectory(root) || !EnsureOwnDirectory(root + "/servers") ||
         !EnsureOwnDirectory(root + "/registry")) {
@@ -71,8 +66,7 @@ std::optional<std::string> Ensure()
     return root;
 }
 
-std::optional<std::string> ServerSocketPath(std::string_view root, std::string_view name)
-{
+std::optional<std::string> ServerSocketPath(std::string_view root, std::string_view name) {
     std::string path;
     path.append(root).append("/servers/").append(name);
     if (path.size() >= sizeof(sockaddr_un::sun_path)) {

@@ -21,8 +21,7 @@ using hos::logger::LogLevel;
 
 constexpr size_t kMaxNameLength = 200;
 
-std::vector<std::string> ListDirectory(const std::string& path)
-{
+std::vector<std::string> ListDirectory(const std::string& path) {
     std::vector<std::string> names;
     DIR* dir = ::opendir(path.c_str());
     if (dir == nullptr) {
@@ -39,8 +38,7 @@ std::vector<std::string> ListDirectory(const std::string& path)
     return names;
 }
 
-std::optional<RegistryEntry> ReadEntry(const std::string& root, const std::string& type)
-{
+std::optional<RegistryEntry> ReadEntry(const std::string& root, const std::string& type) {
     std::ifstream file(root + "/registry/" + type);
     if (!file) {
         return std::nullopt;
@@ -72,24 +70,21 @@ std::optional<RegistryEntry> ReadEntry(const std::string& root, const std::strin
 
 }  // namespace
 
-bool IsValidPlatformName(std::string_view name)
-{
+bool IsValidPlatformName(std::string_view name) {
     if (name.empty() || name.size() > kMaxNameLength || name.front() == '.') {
         return false;
     }
     return std::all_of(name.begin(), name.end(), [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               c == '.' || c == '_' || c == '-';
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+               c == '_' || c == '-';
     });
 }
 
-std::shared_ptr<IServiceRegistry> CreateServiceRegistry()
-{
+std::shared_ptr<IServiceRegistry> CreateServiceRegistry() {
     return std::make_shared<ServiceRegistry>();
 }
 
-int ServiceRegistry::Publish(const RegistryEntry& entry)
-{
+int ServiceRegistry::Publish(const RegistryEntry& entry) {
     if (!IsValidPlatformName(entry.type) || !IsValidPlatformName(entry.server) ||
         !IsValidPlatformName(entry.endpoint)) {
         HL_LOG(LogLevel::Error, "Registry: refusing to publish \"{}\" -> \"{}\":\"{}\": invalid name",
@@ -105,8 +100,7 @@ int ServiceRegistry::Publish(const RegistryEntry& entry)
     const std::string tempPath = *root + "/registry/." + entry.type + "." + std::to_string(::getpid());
     {
         std::ofstream file(tempPath, std::ios::trunc);
-        file << "server=" << entry.server << "\nendpoint=" << entry.endpoint << "\npid=" << pid
-             << "\n";
+        file << "server=" << entry.server << "\nendpoint=" << entry.endpoint << "\npid=" << pid << "\n";
         if (!file.flush()) {
             HL_LOG(LogLevel::Error, "Registry: cannot write {}", tempPath);
             ::unlink(tempPath.c_str());
@@ -121,8 +115,7 @@ int ServiceRegistry::Publish(const RegistryEntry& entry)
     return NK_EOK;
 }
 
-int ServiceRegistry::Unpublish(std::string_view type)
-{
+int ServiceRegistry::Unpublish(std::string_view type) {
     if (!IsValidPlatformName(type)) {
         return NK_EINVAL;
     }
@@ -130,16 +123,14 @@ int ServiceRegistry::Unpublish(std::string_view type)
     return ::unlink(path.c_str()) == 0 ? NK_EOK : NK_ENOTFOUND;
 }
 
-std::optional<RegistryEntry> ServiceRegistry::Find(std::string_view type) const
-{
+std::optional<RegistryEntry> ServiceRegistry::Find(std::string_view type) const {
     if (!IsValidPlatformName(type)) {
         return std::nullopt;
     }
     return ReadEntry(runtime_directory::Path(), std::string(type));
 }
 
-std::vector<RegistryEntry> ServiceRegistry::List() const
-{
+std::vector<RegistryEntry> ServiceRegistry::List() const {
     const std::string root = runtime_directory::Path();
     std::vector<RegistryEntry> entries;
     for (const auto& type : ListDirectory(root + "/registry")) {
@@ -150,8 +141,7 @@ std::vector<RegistryEntry> ServiceRegistry::List() const
     return entries;
 }
 
-std::vector<std::string> ServiceRegistry::ListServers() const
-{
+std::vector<std::string> ServiceRegistry::ListServers() const {
     return ListDirectory(runtime_directory::Path() + "/servers");
 }
 

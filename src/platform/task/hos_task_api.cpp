@@ -9,29 +9,25 @@ struct HosTask {
 
 namespace {
 
-HosTask& SelfTask()
-{
+HosTask& SelfTask() {
     static HosTask self{&hos::platform::Task::Self()};
     return self;
 }
 
 }  // namespace
 
-extern "C" HosTask* HosTaskGetSelf(void)
-{
+extern "C" HosTask* HosTaskGetSelf(void) {
     return &SelfTask();
 }
 
-extern "C" int HosTaskSetComponentTree(HosTask* task, const HosComponentTree* tree)
-{
+extern "C" int HosTaskSetComponentTree(HosTask* task, const HosComponentTree* tree) {
     if (task != &SelfTask()) {
         return NK_EINVAL;
     }
     return task->task->SetComponentTree(tree);
 }
 
-extern "C" int HosTaskConnectToService(HosTask* client, HosTask* server, const char* name)
-{
+extern "C" int HosTaskConnectToService(HosTask* client, HosTask* server, const char* name) {
     if (client != &SelfTask() || server != &SelfTask() || name == nullptr) {
         return NK_EINVAL;
     }

@@ -11,8 +11,7 @@ namespace {
 
 using hos::logger::LogLevel;
 
-bool Matches(const Task::Endpoint& endpoint, std::string_view name)
-{
+bool Matches(const Task::Endpoint& endpoint, std::string_view name) {
     if (name == endpoint.fullName || name == endpoint.shortName || name == endpoint.interfaceType) {
         return true;
     }
@@ -24,14 +23,12 @@ bool Matches(const Task::Endpoint& endpoint, std::string_view name)
 
 }  // namespace
 
-Task& Task::Self()
-{
+Task& Task::Self() {
     static Task task;
     return task;
 }
 
-int Task::SetComponentTree(const HosComponentTree* tree)
-{
+int Task::SetComponentTree(const HosComponentTree* tree) {
     if (tree == nullptr || tree->typeName == nullptr ||
         (tree->endpointCount > 0 && tree->endpoints == nullptr)) {
         HL_LOG(LogLevel::Error, "HosTaskSetComponentTree: the tree or its type name is missing");
@@ -44,8 +41,8 @@ int Task::SetComponentTree(const HosComponentTree* tree)
         if (desc.fullName == nullptr || desc.shortName == nullptr || desc.interfaceType == nullptr ||
             desc.number >= NK_INVALID_RIID || !numbers.insert(desc.number).second) {
             HL_LOG(LogLevel::Error,
-                   "HosTaskSetComponentTree: endpoint {} of {} has a missing name or a bad number {}",
-                   i, tree->typeName, desc.number);
+                   "HosTaskSetComponentTree: endpoint {} of {} has a missing name or a bad number {}", i,
+                   tree->typeName, desc.number);
             return NK_EINVAL;
         }
         endpoints.push_back({desc.number, desc.fullName, desc.shortName, desc.interfaceType});
@@ -56,8 +53,7 @@ int Task::SetComponentTree(const HosComponentTree* tree)
     return NK_EOK;
 }
 
-int Task::ConnectToSelf(std::string_view name)
-{
+int Task::ConnectToSelf(std::string_view name) {
     if (!IsValidPlatformName(name)) {
         HL_LOG(LogLevel::Error, "HosTaskConnectToService: invalid name \"{}\"", name);
         return NK_EINVAL;
@@ -71,8 +67,7 @@ int Task::ConnectToSelf(std::string_view name)
     return NK_EOK;
 }
 
-int Task::Resolve(std::string_view name) const
-{
+int Task::Resolve(std::string_view name) const {
     std::lock_guard lock(m_mutex);
     for (const auto& endpoint : m_endpoints) {
         if (Matches(endpoint, name)) {
@@ -82,14 +77,12 @@ int Task::Resolve(std::string_view name) const
     return NK_ENOENDPOINT;
 }
 
-std::string Task::TypeName() const
-{
+std::string Task::TypeName() const {
     std::lock_guard lock(m_mutex);
     return m_typeName.value_or(std::string());
 }
 
-void Task::ResetForTesting()
-{
+void Task::ResetForTesting() {
     std::lock_guard lock(m_mutex);
     m_typeName.reset();
     m_endpoints.clear();

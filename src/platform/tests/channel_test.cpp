@@ -25,16 +25,14 @@ constexpr const char* kServer = "echo-peer";
 
 class ChannelTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         m_peer = PeerProcess::StartServer(kServer);
         ASSERT_NE(m_peer, nullptr) << "the test peer did not come up";
         ASSERT_EQ(KnCmConnect(kServer, peer::kEchoEndpointFull, 5000, &m_handle, &m_riid), 0);
         NkHosTransport_Init(&m_transport, m_handle, 0, 0);
         NkHosSetTransportTimeouts(&m_transport, NK_TIMEOUT_INFINITE, 20000);
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         if (m_handle != NK_INVALID_HANDLE) {
             KnHandleClose(m_handle);
         }
@@ -47,8 +45,7 @@ protected:
     NkHosTransport m_transport{};
 };
 
-TEST_F(ChannelTest, CallReturnsTheServersResponseWithFieldsAndArena)
-{
+TEST_F(ChannelTest, CallReturnsTheServersResponseWithFieldsAndArena) {
     EXPECT_EQ(m_riid, peer::kEchoRiid);
     TestRequest request;
     request.iid = static_cast<uint16_t>(m_riid);
@@ -65,8 +62,7 @@ TEST_F(ChannelTest, CallReturnsTheServersResponseWithFieldsAndArena)
     EXPECT_EQ(response.arena, request.arena);
 }
 
-TEST_F(ChannelTest, ManyCallsInARowEachGetTheirOwnAnswer)
-{
+TEST_F(ChannelTest, ManyCallsInARowEachGetTheirOwnAnswer) {
     for (uint32_t i = 0; i < 50; ++i) {
         TestRequest request;
         request.iid = static_cast<uint16_t>(m_riid);
@@ -77,8 +73,7 @@ TEST_F(ChannelTest, ManyCallsInARowEachGetTheirOwnAnswer)
     }
 }
 
-TEST_F(ChannelTest, HandshakeResolvesEveryNameOfAnEndpoint)
-{
+TEST_F(ChannelTest, HandshakeResolvesEveryNameOfAnEndpoint) {
     for (const char* name : {"echo", "echo.echo", "hl.test.Echo", "hl.test.Echo.echo"}) {
         unsigned int handle = NK_INVALID_HANDLE;
         unsigned int riid = NK_INVALID_RIID;
@@ -93,8 +88,7 @@ TEST_F(ChannelTest, HandshakeResolvesEveryNameOfAnEndpoint)
     KnHandleClose(handle);
 }
 
-TEST_F(ChannelTest, ConnectToAnUnofferedNameFailsWithAnotherCodeThanNotFound)
-{
+TEST_F(ChannelTest, ConnectToAnUnofferedNameFailsWithAnotherCodeThanNotFound) {
     unsigned int handle = 77;
     unsigned int riid = 88;
     EXPECT_EQ(KnCmConnect(kServer, "hl.test.Nothing", 5000, &handle, &riid), NK_ENOENDPOINT);
@@ -102,8 +96,7 @@ TEST_F(ChannelTest, ConnectToAnUnofferedNameFailsWithAnotherCodeThanNotFound)
     EXPECT_EQ(riid, 88u);
 }
 
-TEST_F(ChannelTest, ServiceLocatorConnectAndGetRiidResolveOnAnOpenChannel)
-{
+TEST_F(ChannelTest, ServiceLocatorConnectAndGetRiidResolveOnAnOpenChannel) {
     const unsigned int handle = ServiceLocatorConnect(kServer);
     ASSERT_NE(handle, NK_INVALID_HANDLE);
     EXPECT_EQ(ServiceLocatorGetRiid(handle, "echo"), peer::kEchoRiid);
@@ -112,8 +105,7 @@ TEST_F(ChannelTest, ServiceLocatorConnectAndGetRiidResolveOnAnOpenChannel)
     EXPECT_EQ(ServiceLocatorConnect("not-there"), NK_INVALID_HANDLE);
 }
 
-TEST_F(ChannelTest, ServerFailureComesBackAsTheFailureWordWithSuccess)
-{
+TEST_F(ChannelTest, ServerFailureComesBackAsTheFailureWordWithSuccess) {
     TestRequest request;
     request.iid = static_cast<uint16_t>(m_riid);
     request.mid = peer::kFail;
@@ -122,8 +114,7 @@ TEST_F(ChannelTest, ServerFailureComesBackAsTheFailureWordWithSuccess)
     EXPECT_EQ(response.Header()->sizeFlags, NK_SERVER_FAILURE_WORD);
 }
 
-TEST_F(ChannelTest, ResponseWithAnotherMidFailsTheCall)
-{
+TEST_F(ChannelTest, ResponseWithAnotherMidFailsTheCall) {
     TestRequest request;
     request.iid = static_cast<uint16_t>(m_riid);
     request.mid = peer::kWrongMid;
@@ -133,8 +124,7 @@ TEST_F(ChannelTest, ResponseWithAnotherMidFailsTheCall)
     EXPECT_EQ(CallThrough(m_transport, request).rc, 0);
 }
 
-TEST_F(ChannelTest, ResponseWithAnotherIidFailsUnlessTheRequestIidIsAny)
-{
+TEST_F(ChannelTest, ResponseWithAnotherIidFailsUnlessTheRequestIidIsAny) {
     TestRequest request;
     request.iid = static_cast<uint16_t>(m_riid);
     request.mid = peer::kWrongIid;
@@ -146,8 +136,7 @@ TEST_F(ChannelTest, ResponseWithAnotherIidFailsUnlessTheRequestIidIsAny)
     EXPECT_EQ(response.Header()->iid, 0);
 }
 
-TEST_F(ChannelTest, ResponseLargerThanTheRoomIsRefused)
-{
+TEST_F(ChannelTest, ResponseLargerThanTheRoomIsRefused) {
     TestRequest request;
     request.iid = static_cast<uint16_t>(m_riid);
     request.fields.assign(40, 0xab);
@@ -159,8 +148,7 @@ TEST_F(ChannelTest, ResponseLargerThanTheRoomIsRefused)
     EXPECT_EQ(CallThrough(m_transport, request).rc, NK_ETOOBIG);
 }
 
-TEST_F(ChannelTest, CallThatRunsOutOfTimeReturnsMinusElevenAndLaterCallsGetTheirOwnAnswer)
-{
+TEST_F(ChannelTest, CallThatRunsOutOfTimeReturnsMinusElevenAndLaterCallsGetTheirOwnAnswer) {
     NkHosSetTransportTimeouts(&m_transport, NK_TIMEOUT_INFINITE, 100);
     TestRequest slow;
     slow.iid = static_cast<uint16_t>(m_riid);
@@ -179,8 +167,7 @@ TEST_F(ChannelTest, CallThatRunsOutOfTimeReturnsMinusElevenAndLaterCallsGetTheir
     EXPECT_EQ(response.U32At(24), 0xC0FFEEu);
 }
 
-TEST_F(ChannelTest, PeerKilledMidCallFailsThePendingCallPromptly)
-{
+TEST_F(ChannelTest, PeerKilledMidCallFailsThePendingCallPromptly) {
     NkHosSetTransportTimeouts(&m_transport, NK_TIMEOUT_INFINITE, NK_TIMEOUT_INFINITE);
     std::thread killer([this] {
         if (m_peer->WaitForLine("hanging", 20s)) {
@@ -199,8 +186,7 @@ TEST_F(ChannelTest, PeerKilledMidCallFailsThePendingCallPromptly)
     EXPECT_EQ(KnCmConnect(kServer, "echo", NK_TIMEOUT_INFINITE, &handle, &riid), NK_ENOTFOUND);
 }
 
-TEST_F(ChannelTest, CallOnAChannelWhoseServerQuitFailsWithClosed)
-{
+TEST_F(ChannelTest, CallOnAChannelWhoseServerQuitFailsWithClosed) {
     TestRequest request;
     request.iid = static_cast<uint16_t>(m_riid);
     request.mid = peer::kQuit;
@@ -210,8 +196,7 @@ TEST_F(ChannelTest, CallOnAChannelWhoseServerQuitFailsWithClosed)
     EXPECT_EQ(CallThrough(m_transport, request).rc, NK_ECLOSED);
 }
 
-TEST(ChannelConnectTest, ConnectToAnAbsentServerAnswersNotFoundAtOnce)
-{
+TEST(ChannelConnectTest, ConnectToAnAbsentServerAnswersNotFoundAtOnce) {
     ScopedRuntimeDirectory directory;
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
@@ -220,8 +205,7 @@ TEST(ChannelConnectTest, ConnectToAnAbsentServerAnswersNotFoundAtOnce)
     EXPECT_EQ(KnCmConnect("bad/name", "echo", 10, &handle, &riid), NK_EINVAL);
 }
 
-TEST(ChannelConnectTest, CallOnAnUnknownHandleFailsWithBadHandle)
-{
+TEST(ChannelConnectTest, CallOnAnUnknownHandleFailsWithBadHandle) {
     NkHosTransport transport;
     NkHosTransport_Init(&transport, 0x123456);
     TestRequest request;

@@ -15,15 +15,13 @@ namespace {
 
 using testing::MakePacket;
 
-std::vector<unsigned char> Descriptor(uint32_t handleWord)
-{
+std::vector<unsigned char> Descriptor(uint32_t handleWord) {
     std::vector<unsigned char> bytes(16, 0);
     std::memcpy(bytes.data(), &handleWord, sizeof(handleWord));
     return bytes;
 }
 
-TEST(FrameTest, HeaderRoundTripsThroughTheWireLayout)
-{
+TEST(FrameTest, HeaderRoundTripsThroughTheWireLayout) {
     FrameHeader header;
     header.iid = 0x1234;
     header.mid = 7;
@@ -49,11 +47,10 @@ TEST(FrameTest, HeaderRoundTripsThroughTheWireLayout)
     EXPECT_EQ(back.result, NK_ETOOBIG);
 }
 
-TEST(FrameTest, WellFormedFrameSplitsIntoMessageAndArena)
-{
+TEST(FrameTest, WellFormedFrameSplitsIntoMessageAndArena) {
     auto tail = Descriptor(5);
-    tail.insert(tail.end(), {9, 9, 9, 9, 9, 9, 9, 9}); // fields
-    tail.insert(tail.end(), {'a', 'b', 'c'});         // arena
+    tail.insert(tail.end(), {9, 9, 9, 9, 9, 9, 9, 9});  // fields
+    tail.insert(tail.end(), {'a', 'b', 'c'});           // arena
     const auto packet = MakePacket(1, nk_size_word(48, 1), 3, 2, tail);
     ParsedFrame frame;
     std::string reason;
@@ -64,8 +61,7 @@ TEST(FrameTest, WellFormedFrameSplitsIntoMessageAndArena)
     EXPECT_EQ(frame.passedHandles, 1u);
 }
 
-TEST(FrameTest, InvalidDescriptorsNeedNoPassedDescriptor)
-{
+TEST(FrameTest, InvalidDescriptorsNeedNoPassedDescriptor) {
     const auto packet = MakePacket(1, nk_size_word(40, 1), 0, 1, Descriptor(0xFFFFFFFF));
     ParsedFrame frame;
     std::string reason;
@@ -74,8 +70,7 @@ TEST(FrameTest, InvalidDescriptorsNeedNoPassedDescriptor)
     EXPECT_NE(reason.find("passed"), std::string::npos);
 }
 
-TEST(FrameTest, FrameLargerThanTheLimitIsTooBig)
-{
+TEST(FrameTest, FrameLargerThanTheLimitIsTooBig) {
     std::vector<unsigned char> tail(kMaxFrameSize, 0);
     const auto packet = MakePacket(1, nk_size_word(static_cast<uint32_t>(kMaxFrameSize + 24), 0), 0, 1, tail);
     ParsedFrame frame;
@@ -85,8 +80,7 @@ TEST(FrameTest, FrameLargerThanTheLimitIsTooBig)
 
 class DeliveryTest : public ::testing::Test {
 protected:
-    ParsedFrame Parse(const std::vector<unsigned char>& packet, size_t fds)
-    {
+    ParsedFrame Parse(const std::vector<unsigned char>& packet, size_t fds) {
         m_packet = packet;
         ParsedFrame frame;
         std::string reason;
@@ -96,8 +90,7 @@ protected:
     std::vector<unsigned char> m_packet;
 };
 
-TEST_F(DeliveryTest, FrameWithinTheRoomIsCopiedAndTheArenaCursorSetBehindIt)
-{
+TEST_F(DeliveryTest, FrameWithinTheRoomIsCopiedAndTheArenaCursorSetBehindIt) {
     std::vector<unsigned char> tail{1, 2, 3, 4, 'x', 'y'};
     const auto frame = Parse(MakePacket(2, nk_size_word(28, 0), 2, 1, tail), 0);
     std::vector<unsigned char> message(64, 0xEE);
@@ -109,13 +102,12 @@ TEST_F(DeliveryTest, FrameWithinTheRoomIsCopiedAndTheArenaCursorSetBehindIt)
     ASSERT_EQ(DeliverFrame(frame, fds, reinterpret_cast<nk_message*>(message.data()), &arena, reason), 0);
     EXPECT_EQ(nk_message_size(reinterpret_cast<nk_message*>(message.data())), 28u);
     EXPECT_EQ(message[24], 1);
-    EXPECT_EQ(message[28], 0xEE); // bytes past the message stay as they were
+    EXPECT_EQ(message[28], 0xEE);  // bytes past the message stay as they were
     EXPECT_EQ(arena.cursor, arena.start + 2);
     EXPECT_EQ(arenaBytes[1], 'y');
 }
 
-TEST_F(DeliveryTest, FrameBeyondTheRoomLeavesTheBuffersUntouched)
-{
+TEST_F(DeliveryTest, FrameBeyondTheRoomLeavesTheBuffersUntouched) {
     const auto frame = Parse(MakePacket(2, nk_size_word(32, 0), 4, 1, std::vector<unsigned char>(12, 1)), 0);
     std::vector<unsigned char> message(24, 0);
     auto* header = reinterpret_cast<nk_message*>(message.data());
@@ -134,8 +126,7 @@ TEST_F(DeliveryTest, FrameBeyondTheRoomLeavesTheBuffersUntouched)
     EXPECT_EQ(arena.cursor, arena.start);
 }
 
-TEST_F(DeliveryTest, OutgoingArenaWithItsCursorOutsideIsRefused)
-{
+TEST_F(DeliveryTest, OutgoingArenaWithItsCursorOutsideIsRefused) {
     std::vector<unsigned char> message(24, 0);
     auto* header = reinterpret_cast<nk_message*>(message.data());
     header->sizeFlags = nk_size_word(24, 0);
@@ -149,8 +140,7 @@ TEST_F(DeliveryTest, OutgoingArenaWithItsCursorOutsideIsRefused)
     EXPECT_EQ(DecodeHeader(out.header.data()).arenaSize, 5u);
 }
 
-TEST_F(DeliveryTest, OutgoingSizeWordBelowTheHeaderOrWithUnfittingDescriptorsIsRefused)
-{
+TEST_F(DeliveryTest, OutgoingSizeWordBelowTheHeaderOrWithUnfittingDescriptorsIsRefused) {
     std::vector<unsigned char> message(40, 0);
     auto* header = reinterpret_cast<nk_message*>(message.data());
     OutgoingPacket out;

@@ -22,8 +22,7 @@ constexpr unsigned int kUpdate = 0x10000;
 
 class HandlePassingTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         m_peer = PeerProcess::StartServer("handle-peer");
         ASSERT_NE(m_peer, nullptr);
         ASSERT_EQ(KnCmConnect("handle-peer", "echo", 5000, &m_channel, &m_riid), 0);
@@ -31,22 +30,19 @@ protected:
         NkHosSetTransportTimeouts(&m_transport, 0, 20000);
         ASSERT_EQ(KnNoticeCreate(&m_notice), 0);
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         KnNoticeRelease(m_notice);
         KnHandleClose(m_channel);
     }
 
-    TestRequest Request(uint16_t mid)
-    {
+    TestRequest Request(uint16_t mid) {
         TestRequest request;
         request.iid = static_cast<uint16_t>(m_riid);
         request.mid = mid;
         return request;
     }
 
-    int WaitOne(EventDesc& event)
-    {
+    int WaitOne(EventDesc& event) {
         unsigned long count = 0;
         return KnNoticeGetEvent(m_notice, 10000, 1, &event, &count);
     }
@@ -59,8 +55,7 @@ protected:
     SNotice* m_notice = nullptr;
 };
 
-TEST_F(HandlePassingTest, HandleInAResponseIsLocalAndCarriesTheServersEventsAndItsClosing)
-{
+TEST_F(HandlePassingTest, HandleInAResponseIsLocalAndCarriesTheServersEventsAndItsClosing) {
     auto request = Request(peer::kGiveHandle);
     request.responseRoom = 40;
     request.responseHandleRoom = 1;
@@ -88,16 +83,14 @@ TEST_F(HandlePassingTest, HandleInAResponseIsLocalAndCarriesTheServersEventsAndI
     KnHandleClose(handle);
 }
 
-TEST_F(HandlePassingTest, HandleNeedsRoomInTheResponse)
-{
+TEST_F(HandlePassingTest, HandleNeedsRoomInTheResponse) {
     auto request = Request(peer::kGiveHandle);
     request.responseRoom = 40;
     request.responseHandleRoom = 0;
     EXPECT_EQ(CallThrough(m_transport, request).rc, NK_ETOOBIG);
 }
 
-TEST_F(HandlePassingTest, HandleSentInARequestIsUsableByTheServer)
-{
+TEST_F(HandlePassingTest, HandleSentInARequestIsUsableByTheServer) {
     unsigned int kept = NK_INVALID_HANDLE;
     unsigned int sent = NK_INVALID_HANDLE;
     ASSERT_EQ(KnHandleCreatePair(&kept, &sent), 0);
@@ -121,16 +114,14 @@ TEST_F(HandlePassingTest, HandleSentInARequestIsUsableByTheServer)
     KnHandleClose(kept);
 }
 
-TEST_F(HandlePassingTest, UnknownHandleInARequestIsRefusedBeforeSending)
-{
+TEST_F(HandlePassingTest, UnknownHandleInARequestIsRefusedBeforeSending) {
     auto request = Request(peer::kEcho);
     request.handles = {0x00ABCDEF};
     EXPECT_EQ(CallThrough(m_transport, request).rc, NK_EBADHANDLE);
     EXPECT_EQ(CallThrough(m_transport, Request(peer::kEcho)).rc, 0);
 }
 
-TEST_F(HandlePassingTest, PeerDeathRaisesTheClosedEventOnItsHandle)
-{
+TEST_F(HandlePassingTest, PeerDeathRaisesTheClosedEventOnItsHandle) {
     auto request = Request(peer::kGiveHandle);
     request.responseRoom = 40;
     request.responseHandleRoom = 1;

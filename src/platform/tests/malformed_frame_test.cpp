@@ -31,13 +31,11 @@ struct CorpusCase {
     int expected = 0;
 };
 
-void PrintTo(const CorpusCase& item, std::ostream* out)
-{
+void PrintTo(const CorpusCase& item, std::ostream* out) {
     *out << item.file;
 }
 
-std::vector<CorpusCase> LoadCorpus()
-{
+std::vector<CorpusCase> LoadCorpus() {
     std::vector<CorpusCase> cases;
     std::ifstream list(kCorpus + "expected.txt");
     std::string line;
@@ -55,23 +53,20 @@ std::vector<CorpusCase> LoadCorpus()
     return cases;
 }
 
-std::vector<unsigned char> ReadFile(const std::string& path)
-{
+std::vector<unsigned char> ReadFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 class MalformedFrameTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         m_peer = PeerProcess::StartServer("guarded-peer");
         ASSERT_NE(m_peer, nullptr);
     }
 
     // A refusal arrives on the raw socket with `expected` as its result.
-    void ExpectRefused(RawSocket& raw, int expected)
-    {
+    void ExpectRefused(RawSocket& raw, int expected) {
         const auto answer = raw.Receive(10s);
         ASSERT_TRUE(answer.has_value()) << "no refusal came back";
         EXPECT_EQ(testing::KindOf(*answer), 5) << "not a Refused frame";
@@ -79,8 +74,7 @@ protected:
     }
 
     // The server is alive and answers a well-formed call.
-    void ExpectStillServing()
-    {
+    void ExpectStillServing() {
         EXPECT_TRUE(m_peer->IsRunning());
         unsigned int handle = NK_INVALID_HANDLE;
         unsigned int riid = NK_INVALID_RIID;
@@ -101,11 +95,9 @@ protected:
     std::unique_ptr<PeerProcess> m_peer;
 };
 
-class CorpusFrameTest : public MalformedFrameTest, public ::testing::WithParamInterface<CorpusCase> {
-};
+class CorpusFrameTest : public MalformedFrameTest, public ::testing::WithParamInterface<CorpusCase> {};
 
-TEST_P(CorpusFrameTest, FrameIsRefusedWithItsCodeAndTheServerGoesOnServing)
-{
+TEST_P(CorpusFrameTest, FrameIsRefusedWithItsCodeAndTheServerGoesOnServing) {
     const auto frame = ReadFile(kCorpus + GetParam().file);
     ASSERT_FALSE(frame.empty()) << GetParam().file;
     RawSocket raw(m_directory.ServerSocket("guarded-peer"));
@@ -129,8 +121,7 @@ INSTANTIATE_TEST_SUITE_P(Corpus, CorpusFrameTest, ::testing::ValuesIn(LoadCorpus
                              return name;
                          });
 
-TEST_F(MalformedFrameTest, PassedDescriptorsWithoutHandleDescriptorsAreRefused)
-{
+TEST_F(MalformedFrameTest, PassedDescriptorsWithoutHandleDescriptorsAreRefused) {
     RawSocket raw(m_directory.ServerSocket("guarded-peer"));
     ASSERT_TRUE(raw.IsConnected());
     const int first = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
@@ -142,8 +133,7 @@ TEST_F(MalformedFrameTest, PassedDescriptorsWithoutHandleDescriptorsAreRefused)
     ExpectStillServing();
 }
 
-TEST_F(MalformedFrameTest, MorePassedDescriptorsThanAFrameMayHoldAreRefused)
-{
+TEST_F(MalformedFrameTest, MorePassedDescriptorsThanAFrameMayHoldAreRefused) {
     RawSocket raw(m_directory.ServerSocket("guarded-peer"));
     ASSERT_TRUE(raw.IsConnected());
     std::vector<int> fds;
@@ -158,8 +148,7 @@ TEST_F(MalformedFrameTest, MorePassedDescriptorsThanAFrameMayHoldAreRefused)
     ExpectStillServing();
 }
 
-TEST_F(MalformedFrameTest, EmptyPacketEndsOnlyThatClient)
-{
+TEST_F(MalformedFrameTest, EmptyPacketEndsOnlyThatClient) {
     {
         RawSocket raw(m_directory.ServerSocket("guarded-peer"));
         ASSERT_TRUE(raw.IsConnected());

@@ -16,20 +16,17 @@ constexpr unsigned int kMask = KN_NOTICE_EVENT_CLOSED | kUpdate;
 
 class NoticeTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_EQ(KnHandleCreatePair(&m_near, &m_far), 0);
         ASSERT_EQ(KnNoticeCreate(&m_notice), 0);
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         KnNoticeRelease(m_notice);
         KnHandleClose(m_near);
         KnHandleClose(m_far);
     }
 
-    int Wait(unsigned long timeoutMs, std::vector<EventDesc>& events, unsigned long maxCount = 4)
-    {
+    int Wait(unsigned long timeoutMs, std::vector<EventDesc>& events, unsigned long maxCount = 4) {
         events.assign(maxCount, EventDesc{});
         unsigned long count = 0;
         const int rc = KnNoticeGetEvent(m_notice, timeoutMs, maxCount, events.data(), &count);
@@ -42,8 +39,7 @@ protected:
     SNotice* m_notice = nullptr;
 };
 
-TEST_F(NoticeTest, EventRaisedAtTheOtherEndIsReportedWithItsIdAndMask)
-{
+TEST_F(NoticeTest, EventRaisedAtTheOtherEndIsReportedWithItsIdAndMask) {
     ASSERT_EQ(KnNoticeSubscribeToObject(m_notice, m_near, kMask, 42), 0);
     ASSERT_EQ(KnNoticeSetObjectEvent(m_far, kUpdate), 0);
     std::vector<EventDesc> events;
@@ -56,8 +52,7 @@ TEST_F(NoticeTest, EventRaisedAtTheOtherEndIsReportedWithItsIdAndMask)
     EXPECT_EQ(Wait(50, events), NK_ETIMEOUT);
 }
 
-TEST_F(NoticeTest, RaisedBitsOutsideTheMaskAreNotReported)
-{
+TEST_F(NoticeTest, RaisedBitsOutsideTheMaskAreNotReported) {
     ASSERT_EQ(KnNoticeSubscribeToObject(m_notice, m_near, kMask, 1), 0);
     ASSERT_EQ(KnNoticeSetObjectEvent(m_far, 0x4 | kUpdate), 0);
     std::vector<EventDesc> events;
@@ -66,8 +61,7 @@ TEST_F(NoticeTest, RaisedBitsOutsideTheMaskAreNotReported)
     EXPECT_EQ(events[0].mask, kUpdate);
 }
 
-TEST_F(NoticeTest, ClosingTheOtherEndRaisesTheClosedEventOnce)
-{
+TEST_F(NoticeTest, ClosingTheOtherEndRaisesTheClosedEventOnce) {
     ASSERT_EQ(KnNoticeSubscribeToObject(m_notice, m_near, kMask, 7), 0);
     ASSERT_EQ(KnHandleClose(m_far), 0);
     m_far = NK_INVALID_HANDLE;
@@ -78,16 +72,14 @@ TEST_F(NoticeTest, ClosingTheOtherEndRaisesTheClosedEventOnce)
     EXPECT_EQ(Wait(50, events), NK_ETIMEOUT);
 }
 
-TEST_F(NoticeTest, WaitWithNothingRaisedRunsOutWithTimeoutCode)
-{
+TEST_F(NoticeTest, WaitWithNothingRaisedRunsOutWithTimeoutCode) {
     ASSERT_EQ(KnNoticeSubscribeToObject(m_notice, m_near, kMask, 1), 0);
     std::vector<EventDesc> events;
     EXPECT_EQ(Wait(30, events), NK_ETIMEOUT);
     EXPECT_EQ(Wait(0, events), NK_ETIMEOUT);
 }
 
-TEST_F(NoticeTest, DropAndWakeWakesAWaiterOnAnotherThreadAndLaterWaitsReturnAtOnce)
-{
+TEST_F(NoticeTest, DropAndWakeWakesAWaiterOnAnotherThreadAndLaterWaitsReturnAtOnce) {
     ASSERT_EQ(KnNoticeSubscribeToObject(m_notice, m_near, kMask, 1), 0);
     auto waiter = std::async(std::launch::async, [this] {
         EventDesc event{};
@@ -102,8 +94,7 @@ TEST_F(NoticeTest, DropAndWakeWakesAWaiterOnAnotherThreadAndLaterWaitsReturnAtOn
     EXPECT_EQ(Wait(NK_TIMEOUT_INFINITE, events), NK_ENOTFOUND);
 }
 
-TEST_F(NoticeTest, SubscriptionMadeWhileWaitingIsWatched)
-{
+TEST_F(NoticeTest, SubscriptionMadeWhileWaitingIsWatched) {
     auto waiter = std::async(std::launch::async, [this] {
         std::vector<EventDesc> events;
         const int rc = Wait(10000, events);
@@ -115,8 +106,7 @@ TEST_F(NoticeTest, SubscriptionMadeWhileWaitingIsWatched)
     EXPECT_EQ(waiter.get(), 99ul);
 }
 
-TEST_F(NoticeTest, UnsubscribedHandleIsNoLongerReported)
-{
+TEST_F(NoticeTest, UnsubscribedHandleIsNoLongerReported) {
     ASSERT_EQ(KnNoticeSubscribeToObject(m_notice, m_near, kMask, 5), 0);
     EXPECT_EQ(KnNoticeUnsubscribeFromObject(m_notice, m_near), 0);
     EXPECT_EQ(KnNoticeUnsubscribeFromObject(m_notice, m_near), NK_ENOTFOUND);
@@ -129,8 +119,7 @@ TEST_F(NoticeTest, UnsubscribedHandleIsNoLongerReported)
     EXPECT_EQ(KnNoticeUnsubscribeFromEvent(m_notice, 6), NK_ENOTFOUND);
 }
 
-TEST_F(NoticeTest, EventsOfSeveralHandlesAreLimitedToMaxCount)
-{
+TEST_F(NoticeTest, EventsOfSeveralHandlesAreLimitedToMaxCount) {
     unsigned int secondNear = NK_INVALID_HANDLE;
     unsigned int secondFar = NK_INVALID_HANDLE;
     ASSERT_EQ(KnHandleCreatePair(&secondNear, &secondFar), 0);
@@ -149,8 +138,7 @@ TEST_F(NoticeTest, EventsOfSeveralHandlesAreLimitedToMaxCount)
     KnHandleClose(secondFar);
 }
 
-TEST_F(NoticeTest, BadArgumentsAreRefused)
-{
+TEST_F(NoticeTest, BadArgumentsAreRefused) {
     EXPECT_EQ(KnNoticeSubscribeToObject(m_notice, 0xABCDEF, kMask, 1), NK_EBADHANDLE);
     EXPECT_EQ(KnNoticeSetObjectEvent(0xABCDEF, kUpdate), NK_EBADHANDLE);
     EXPECT_EQ(KnNoticeSubscribeToObject(nullptr, m_near, kMask, 1), NK_EINVAL);
@@ -158,8 +146,7 @@ TEST_F(NoticeTest, BadArgumentsAreRefused)
     EXPECT_EQ(KnNoticeGetEvent(m_notice, 0, 1, nullptr, &count), NK_EINVAL);
 }
 
-TEST_F(NoticeTest, RaiseAfterTheOtherEndClosedFailsWithClosed)
-{
+TEST_F(NoticeTest, RaiseAfterTheOtherEndClosedFailsWithClosed) {
     ASSERT_EQ(KnHandleClose(m_near), 0);
     m_near = NK_INVALID_HANDLE;
     EXPECT_EQ(KnNoticeSetObjectEvent(m_far, kUpdate), NK_ECLOSED);

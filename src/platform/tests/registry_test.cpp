@@ -15,8 +15,7 @@ namespace {
 
 using testing::ScopedRuntimeDirectory;
 
-TEST(ServiceRegistryTest, PublishedEntryIsFoundWithServerEndpointAndPid)
-{
+TEST(ServiceRegistryTest, PublishedEntryIsFoundWithServerEndpointAndPid) {
     ScopedRuntimeDirectory directory;
     const auto registry = CreateServiceRegistry();
     ASSERT_EQ(registry->Publish({"hl.test.Type.name", "server-a", "endpoint_id", 0}), 0);
@@ -27,8 +26,7 @@ TEST(ServiceRegistryTest, PublishedEntryIsFoundWithServerEndpointAndPid)
     EXPECT_EQ(found->pid, ::getpid());
 }
 
-TEST(ServiceRegistryTest, PublishingAgainReplacesTheEntry)
-{
+TEST(ServiceRegistryTest, PublishingAgainReplacesTheEntry) {
     ScopedRuntimeDirectory directory;
     const auto registry = CreateServiceRegistry();
     ASSERT_EQ(registry->Publish({"t", "one", "e", 0}), 0);
@@ -37,8 +35,7 @@ TEST(ServiceRegistryTest, PublishingAgainReplacesTheEntry)
     EXPECT_EQ(registry->List().size(), 1u);
 }
 
-TEST(ServiceRegistryTest, LookupOfAnUnpublishedTypeAnswersNotFoundAtOnce)
-{
+TEST(ServiceRegistryTest, LookupOfAnUnpublishedTypeAnswersNotFoundAtOnce) {
     ScopedRuntimeDirectory directory;
     const auto registry = CreateServiceRegistry();
     EXPECT_FALSE(registry->Find("hl.nothing").has_value());
@@ -46,8 +43,7 @@ TEST(ServiceRegistryTest, LookupOfAnUnpublishedTypeAnswersNotFoundAtOnce)
     EXPECT_TRUE(registry->List().empty());
 }
 
-TEST(ServiceRegistryTest, ListIsOrderedByTypeAndUnpublishRemoves)
-{
+TEST(ServiceRegistryTest, ListIsOrderedByTypeAndUnpublishRemoves) {
     ScopedRuntimeDirectory directory;
     const auto registry = CreateServiceRegistry();
     ASSERT_EQ(registry->Publish({"b.type", "s", "e", 0}), 0);
@@ -61,8 +57,7 @@ TEST(ServiceRegistryTest, ListIsOrderedByTypeAndUnpublishRemoves)
     EXPECT_EQ(registry->List().size(), 1u);
 }
 
-TEST(ServiceRegistryTest, InvalidNamesAreRefused)
-{
+TEST(ServiceRegistryTest, InvalidNamesAreRefused) {
     ScopedRuntimeDirectory directory;
     const auto registry = CreateServiceRegistry();
     EXPECT_EQ(registry->Publish({"a/b", "s", "e", 0}), NK_EINVAL);
@@ -72,8 +67,7 @@ TEST(ServiceRegistryTest, InvalidNamesAreRefused)
     EXPECT_TRUE(registry->List().empty());
 }
 
-TEST(ServiceRegistryTest, MalformedEntryFileIsIgnored)
-{
+TEST(ServiceRegistryTest, MalformedEntryFileIsIgnored) {
     ScopedRuntimeDirectory directory;
     const auto registry = CreateServiceRegistry();
     ASSERT_EQ(registry->Publish({"good", "s", "e", 0}), 0);

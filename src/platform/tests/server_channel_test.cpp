@@ -33,8 +33,7 @@ using testing::U32Bytes;
 
 constexpr unsigned int kRiid = 3;
 
-void SetOneEndpointTree()
-{
+void SetOneEndpointTree() {
     static const HosEndpointDesc endpoints[] = {{kRiid, "svc.svc", "svc", "hl.test.Svc"}};
     const HosComponentTree tree{"hl.test.Local", endpoints, 1, nullptr, 0};
     ASSERT_EQ(HosTaskSetComponentTree(HosTaskGetSelf(), &tree), 0);
@@ -42,15 +41,13 @@ void SetOneEndpointTree()
 
 class ServerChannelTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         SetOneEndpointTree();
         m_server = ServiceLocatorRegister("local", 0, 0, &m_id);
         ASSERT_NE(m_server, NK_INVALID_HANDLE);
         NkHosTransport_Init(&m_transport, m_server, 0, 0);
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         if (m_server != NK_INVALID_HANDLE) {
             KnHandleClose(m_server);
         }
@@ -58,8 +55,7 @@ protected:
     }
 
     // Receives one request, answers it with its own bytes plus `extra` added to the u32 at 24.
-    int ServeOne(uint32_t extra, unsigned int timeoutMs)
-    {
+    int ServeOne(uint32_t extra, unsigned int timeoutMs) {
         NkHosSetTransportTimeouts(&m_transport, timeoutMs, NK_TIMEOUT_INFINITE);
         std::vector<unsigned char> request(64, 0);
         auto* in = reinterpret_cast<nk_message*>(request.data());
@@ -82,14 +78,12 @@ protected:
     NkHosTransport m_transport{};
 };
 
-TEST_F(ServerChannelTest, ReceiveWithNothingQueuedReturnsMinusElevenAfterItsTimeout)
-{
+TEST_F(ServerChannelTest, ReceiveWithNothingQueuedReturnsMinusElevenAfterItsTimeout) {
     EXPECT_EQ(ServeOne(0, 50), NK_TRANSPORT_TIMEOUT);
     EXPECT_EQ(ServeOne(0, 0), NK_TRANSPORT_TIMEOUT);
 }
 
-TEST_F(ServerChannelTest, ReceiveAndReplyServeEachClientItsOwnAnswer)
-{
+TEST_F(ServerChannelTest, ReceiveAndReplyServeEachClientItsOwnAnswer) {
     auto client = [](uint32_t value) {
         unsigned int handle = NK_INVALID_HANDLE;
         unsigned int riid = NK_INVALID_RIID;
@@ -114,8 +108,7 @@ TEST_F(ServerChannelTest, ReceiveAndReplyServeEachClientItsOwnAnswer)
     EXPECT_EQ(second.get(), 201u);
 }
 
-TEST_F(ServerChannelTest, RequestLargerThanTheRoomIsRefusedAndTheServerGoesOn)
-{
+TEST_F(ServerChannelTest, RequestLargerThanTheRoomIsRefusedAndTheServerGoesOn) {
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
     ASSERT_EQ(KnCmConnect("local", "svc", 5000, &handle, &riid), 0);
@@ -143,8 +136,7 @@ TEST_F(ServerChannelTest, RequestLargerThanTheRoomIsRefusedAndTheServerGoesOn)
     KnHandleClose(handle);
 }
 
-TEST_F(ServerChannelTest, ReplyToAClientThatHasGoneReturnsClosed)
-{
+TEST_F(ServerChannelTest, ReplyToAClientThatHasGoneReturnsClosed) {
     {
         testing::RawSocket raw(m_directory.ServerSocket("local"));
         ASSERT_TRUE(raw.IsConnected());
@@ -162,8 +154,7 @@ TEST_F(ServerChannelTest, ReplyToAClientThatHasGoneReturnsClosed)
     EXPECT_EQ(m_transport.ops->reply(&m_transport, out, nullptr), NK_ECLOSED);
 }
 
-TEST_F(ServerChannelTest, ClosingTheServerWakesAReceiverAndRemovesTheName)
-{
+TEST_F(ServerChannelTest, ClosingTheServerWakesAReceiverAndRemovesTheName) {
     auto receiver = std::async(std::launch::async, [this] {
         std::vector<unsigned char> request(64, 0);
         auto* in = reinterpret_cast<nk_message*>(request.data());
@@ -184,8 +175,7 @@ TEST_F(ServerChannelTest, ClosingTheServerWakesAReceiverAndRemovesTheName)
     EXPECT_EQ(KnCmConnect("local", "svc", 1000, &handle, &riid), NK_ENOTFOUND);
 }
 
-TEST_F(ServerChannelTest, UnregisterEndsTheRecordButTheNameStaysReachable)
-{
+TEST_F(ServerChannelTest, UnregisterEndsTheRecordButTheNameStaysReachable) {
     EXPECT_EQ(ServiceLocatorUnregister(m_id), 0);
     EXPECT_EQ(ServiceLocatorUnregister(m_id), NK_ENOTFOUND);
     unsigned int handle = NK_INVALID_HANDLE;
@@ -194,15 +184,13 @@ TEST_F(ServerChannelTest, UnregisterEndsTheRecordButTheNameStaysReachable)
     KnHandleClose(handle);
 }
 
-TEST_F(ServerChannelTest, RegisteringANameThatALiveServerHoldsFails)
-{
+TEST_F(ServerChannelTest, RegisteringANameThatALiveServerHoldsFails) {
     unsigned int id = 0;
     EXPECT_EQ(ServiceLocatorRegister("local", 0, 0, &id), NK_INVALID_HANDLE);
     EXPECT_EQ(ServiceLocatorRegister("bad name", 0, 0, &id), NK_INVALID_HANDLE);
 }
 
-TEST(ServerChannelNameTest, NameWhoseSocketPathExceedsTheLimitIsRefusedWithALogLine)
-{
+TEST(ServerChannelNameTest, NameWhoseSocketPathExceedsTheLimitIsRefusedWithALogLine) {
     ScopedRuntimeDirectory directory;
     hos::logger::LogCaptureForTesting capture;
     const std::string name(150, 'n');
@@ -214,8 +202,7 @@ TEST(ServerChannelNameTest, NameWhoseSocketPathExceedsTheLimitIsRefusedWithALogL
     EXPECT_EQ(KnCmConnect(name.c_str(), "svc", 10, &handle, &riid), NK_EINVAL);
 }
 
-TEST(ServerChannelNameTest, StaleSocketOfADeadServerIsTakenOver)
-{
+TEST(ServerChannelNameTest, StaleSocketOfADeadServerIsTakenOver) {
     ScopedRuntimeDirectory directory;
     ASSERT_TRUE(std::filesystem::create_directories(directory.Path() + "/servers"));
     const std::string path = directory.ServerSocket("stale");
@@ -235,8 +222,7 @@ TEST(ServerChannelNameTest, StaleSocketOfADeadServerIsTakenOver)
     KnHandleClose(handle);
 }
 
-TEST(ServerChannelNameTest, RuntimeDirectoryIsCreatedPrivate)
-{
+TEST(ServerChannelNameTest, RuntimeDirectoryIsCreatedPrivate) {
     ScopedRuntimeDirectory directory;
     const std::string nested = directory.Path() + "/nested";
     ::setenv("HL_RUNTIME_DIR", nested.c_str(), 1);
@@ -251,8 +237,7 @@ TEST(ServerChannelNameTest, RuntimeDirectoryIsCreatedPrivate)
     KnHandleClose(handle);
 }
 
-TEST(PeerCredentialsTest, PeerOfAnotherUidIsRefusedWithALogLine)
-{
+TEST(PeerCredentialsTest, PeerOfAnotherUidIsRefusedWithALogLine) {
     ScopedRuntimeDirectory directory;
     hos::logger::LogCaptureForTesting capture;
     int rc = 0;
@@ -266,8 +251,7 @@ TEST(PeerCredentialsTest, PeerOfAnotherUidIsRefusedWithALogLine)
     EXPECT_TRUE(capture.Contains("refusing a peer of uid"));
 }
 
-TEST(PeerCredentialsTest, ProcessRunningAsAnotherUserIsRefusedAndOthersAreStillServed)
-{
+TEST(PeerCredentialsTest, ProcessRunningAsAnotherUserIsRefusedAndOthersAreStillServed) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "needs root to run a peer as another user";
     }
@@ -281,7 +265,8 @@ TEST(PeerCredentialsTest, ProcessRunningAsAnotherUserIsRefusedAndOthersAreStillS
     ::chmod((directory.Path() + "/servers").c_str(), 0711);
     const std::string path = directory.ServerSocket("guarded");
     ::chmod(path.c_str(), 0666);
-    const std::vector<unsigned char> resolve = testing::MakePacket(3, nk_size_word(24, 0), 3, 1, {'s', 'v', 'c'});
+    const std::vector<unsigned char> resolve =
+        testing::MakePacket(3, nk_size_word(24, 0), 3, 1, {'s', 'v', 'c'});
 
     const pid_t child = ::fork();
     if (child == 0) {

@@ -17,8 +17,7 @@ protected:
     void TearDown() override { Task::Self().ResetForTesting(); }
 };
 
-TEST_F(TaskTest, NamesResolveToTheirEndpointNumberAndTheFirstEndpointWins)
-{
+TEST_F(TaskTest, NamesResolveToTheirEndpointNumberAndTheFirstEndpointWins) {
     const HosEndpointDesc endpoints[] = {
         {0, "waylandClient", "waylandClient", "hl.WaylandClient"},
         {1, "accessArbiter.accessArbiter", "accessArbiter", "hl.access_arbiter.AccessArbiter"},
@@ -38,8 +37,7 @@ TEST_F(TaskTest, NamesResolveToTheirEndpointNumberAndTheFirstEndpointWins)
     EXPECT_EQ(task.TypeName(), "hl.vdi.AccessArbiter");
 }
 
-TEST_F(TaskTest, TreeIsCopiedSoTheCallersDataNeedNotLive)
-{
+TEST_F(TaskTest, TreeIsCopiedSoTheCallersDataNeedNotLive) {
     {
         std::string name = "svc.svc";
         const HosEndpointDesc endpoints[] = {{4, name.c_str(), "svc", "hl.Svc"}};
@@ -50,8 +48,7 @@ TEST_F(TaskTest, TreeIsCopiedSoTheCallersDataNeedNotLive)
     EXPECT_EQ(Task::Self().Resolve("svc.svc"), 4);
 }
 
-TEST_F(TaskTest, BadTreesAreRefusedAndKeepThePreviousTree)
-{
+TEST_F(TaskTest, BadTreesAreRefusedAndKeepThePreviousTree) {
     const HosEndpointDesc good[] = {{1, "a.a", "a", "hl.A"}};
     const HosComponentTree goodTree{"hl.T", good, 1, nullptr, 0};
     ASSERT_EQ(HosTaskSetComponentTree(HosTaskGetSelf(), &goodTree), 0);
@@ -72,8 +69,7 @@ TEST_F(TaskTest, BadTreesAreRefusedAndKeepThePreviousTree)
     EXPECT_EQ(Task::Self().Resolve("b"), NK_ENOENDPOINT);
 }
 
-TEST_F(TaskTest, ConnectToServiceNeedsATreeAndTheTaskItself)
-{
+TEST_F(TaskTest, ConnectToServiceNeedsATreeAndTheTaskItself) {
     HosTask* self = HosTaskGetSelf();
     EXPECT_EQ(HosTaskGetSelf(), self);
     EXPECT_EQ(HosTaskConnectToService(self, self, "accessArbiter_id"), NK_ENOENDPOINT);
@@ -85,8 +81,7 @@ TEST_F(TaskTest, ConnectToServiceNeedsATreeAndTheTaskItself)
     EXPECT_EQ(HosTaskConnectToService(self, nullptr, "accessArbiter_id"), NK_EINVAL);
 }
 
-TEST(RandomTest, DrawsFillTheBufferAndDiffer)
-{
+TEST(RandomTest, DrawsFillTheBufferAndDiffer) {
     unsigned char first[32] = {};
     unsigned char second[32] = {};
     ASSERT_EQ(HosRandomGenerate(first, sizeof(first)), 0);
@@ -96,8 +91,7 @@ TEST(RandomTest, DrawsFillTheBufferAndDiffer)
     EXPECT_EQ(HosRandomGenerate(nullptr, 0), 0);
 }
 
-TEST(ResultTextTest, KnownCodesHaveTheirTextAndOthersAFallback)
-{
+TEST(ResultTextTest, KnownCodesHaveTheirTextAndOthersAFallback) {
     EXPECT_STREQ(NkResultText(NK_ENOTFOUND), "Not found");
     EXPECT_STREQ(NkResultText(NK_TRANSPORT_TIMEOUT), "Transport timeout");
     EXPECT_STREQ(NkResultText(0x12345), "Unknown platform result");

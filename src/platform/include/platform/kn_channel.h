@@ -20,8 +20,8 @@ extern "C" {
  * Returns 0 with `*handle` and `*riid` set; NK_ENOTFOUND at once when no such server is there yet;
  * NK_ENOENDPOINT when the server does not offer `service`; NK_ETIMEOUT; NK_EACCESS; NK_EINVAL.
  * On failure `*handle` and `*riid` are left as they were. */
-int KnCmConnect(const char* server, const char* service, unsigned int timeoutMs,
-                unsigned int* handle, unsigned int* riid);
+int KnCmConnect(const char* server, const char* service, unsigned int timeoutMs, unsigned int* handle,
+                unsigned int* riid);
 
 /* Closes a handle of any kind. Closing a server channel stops it and removes its name.
  * Returns 0 or NK_EBADHANDLE. */

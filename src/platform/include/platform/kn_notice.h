@@ -30,11 +30,10 @@ typedef struct EventDesc {
 
 int KnNoticeCreate(SNotice** notice);
 /* NK_EBADHANDLE for an unknown handle. A second subscription of a handle replaces the first. */
-int KnNoticeSubscribeToObject(SNotice* notice, unsigned int handle, unsigned int mask,
-                              unsigned long eventId);
+int KnNoticeSubscribeToObject(SNotice* notice, unsigned int handle, unsigned int mask, unsigned long eventId);
 /* Waits up to `timeoutMs` (NK_TIMEOUT_INFINITE: no limit) and writes at most `maxCount` events. */
-int KnNoticeGetEvent(SNotice* notice, unsigned long timeoutMs, unsigned long maxCount,
-                     EventDesc* events, unsigned long* count);
+int KnNoticeGetEvent(SNotice* notice, unsigned long timeoutMs, unsigned long maxCount, EventDesc* events,
+                     unsigned long* count);
 /* NK_ENOTFOUND when nothing matched. */
 int KnNoticeUnsubscribeFromObject(SNotice* notice, unsigned int handle);
 int KnNoticeUnsubscribeFromEvent(SNotice* notice, unsigned long eventId);

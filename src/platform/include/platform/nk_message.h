@@ -69,70 +69,57 @@ typedef struct nk_arena {
     unsigned char* end;
 } nk_arena;
 
-static inline uint32_t nk_size_word(uint32_t size, uint32_t handleCount)
-{
+static inline uint32_t nk_size_word(uint32_t size, uint32_t handleCount) {
     return (size & NK_MESSAGE_SIZE_MASK) |
            ((handleCount & NK_MESSAGE_HANDLES_MASK) << NK_MESSAGE_HANDLES_SHIFT);
 }
 
-static inline uint32_t nk_message_size(const nk_message* message)
-{
+static inline uint32_t nk_message_size(const nk_message* message) {
     return message->sizeFlags & NK_MESSAGE_SIZE_MASK;
 }
 
-static inline uint32_t nk_message_handle_count(const nk_message* message)
-{
+static inline uint32_t nk_message_handle_count(const nk_message* message) {
     return (message->sizeFlags >> NK_MESSAGE_HANDLES_SHIFT) & NK_MESSAGE_HANDLES_MASK;
 }
 
-static inline int nk_message_failed(const nk_message* message)
-{
+static inline int nk_message_failed(const nk_message* message) {
     return (message->sizeFlags & NK_MESSAGE_FAILED_FLAG) != 0;
 }
 
 /* The index-th handle descriptor, which the caller knows to lie inside the message. */
-static inline nk_handle_desc* nk_message_handle_desc(nk_message* message, uint32_t index)
-{
+static inline nk_handle_desc* nk_message_handle_desc(nk_message* message, uint32_t index) {
     return (nk_handle_desc*)((unsigned char*)message + NK_MESSAGE_HEADER_SIZE +
                              (size_t)index * NK_HANDLE_DESC_SIZE);
 }
 
-static inline const nk_handle_desc* nk_message_handle_desc_const(const nk_message* message,
-                                                                 uint32_t index)
-{
+static inline const nk_handle_desc* nk_message_handle_desc_const(const nk_message* message, uint32_t index) {
     return (const nk_handle_desc*)((const unsigned char*)message + NK_MESSAGE_HEADER_SIZE +
                                    (size_t)index * NK_HANDLE_DESC_SIZE);
 }
 
-static inline uint32_t nk_handle_desc_get(const nk_handle_desc* desc)
-{
+static inline uint32_t nk_handle_desc_get(const nk_handle_desc* desc) {
     uint32_t handle = desc->handle & NK_HANDLE_DESC_HANDLE_MASK;
     return handle == NK_HANDLE_DESC_INVALID ? NK_INVALID_HANDLE : handle;
 }
 
-static inline void nk_handle_desc_set(nk_handle_desc* desc, uint32_t handle)
-{
-    desc->handle = (desc->handle & ~NK_HANDLE_DESC_HANDLE_MASK) |
-                   (handle & NK_HANDLE_DESC_HANDLE_MASK);
+static inline void nk_handle_desc_set(nk_handle_desc* desc, uint32_t handle) {
+    desc->handle = (desc->handle & ~NK_HANDLE_DESC_HANDLE_MASK) | (handle & NK_HANDLE_DESC_HANDLE_MASK);
 }
 
 /* Bytes in use: from start to cursor; 0 for an empty arena. */
-static inline size_t nk_arena_used(const nk_arena* arena)
-{
+static inline size_t nk_arena_used(const nk_arena* arena) {
     return (arena == NULL || arena->start == NULL || arena->cursor < arena->start)
                ? 0u
                : (size_t)(arena->cursor - arena->start);
 }
 
-static inline size_t nk_arena_capacity(const nk_arena* arena)
-{
+static inline size_t nk_arena_capacity(const nk_arena* arena) {
     return (arena == NULL || arena->start == NULL || arena->end < arena->start)
                ? 0u
                : (size_t)(arena->end - arena->start);
 }
 
-static inline void nk_arena_reset(nk_arena* arena)
-{
+static inline void nk_arena_reset(nk_arena* arena) {
     arena->cursor = arena->start;
 }
 

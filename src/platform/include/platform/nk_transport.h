@@ -35,16 +35,15 @@ typedef struct NkHosTransportOps {
     int (*call)(NkHosTransport* transport, const nk_message* request, const nk_arena* requestArena,
                 nk_message* response, nk_arena* responseArena);
     int (*receive)(NkHosTransport* transport, nk_message* request, nk_arena* requestArena);
-    int (*reply)(NkHosTransport* transport, const nk_message* response,
-                 const nk_arena* responseArena);
+    int (*reply)(NkHosTransport* transport, const nk_message* response, const nk_arena* responseArena);
 } NkHosTransportOps;
 
 struct NkHosTransport {
     const NkHosTransportOps* ops;
     unsigned int handle;
-    unsigned int recvTimeoutMs; /* receive; NK_TIMEOUT_INFINITE = no limit */
-    unsigned int sendTimeoutMs; /* call: waiting for the response; reply: sending */
-    unsigned int sequence;      /* of the last call sent */
+    unsigned int recvTimeoutMs;   /* receive; NK_TIMEOUT_INFINITE = no limit */
+    unsigned int sendTimeoutMs;   /* call: waiting for the response; reply: sending */
+    unsigned int sequence;        /* of the last call sent */
     unsigned int pendingSequence; /* server: the request that `reply` answers */
     unsigned long long pendingClient;
 };
@@ -56,14 +55,12 @@ int NkHosTransport_Init(NkHosTransport* transport, unsigned int handle, const vo
 
 /* Sets the receive and send timeouts in milliseconds; NK_TIMEOUT_INFINITE means no limit, and 0
  * means not to wait at all. */
-int NkHosSetTransportTimeouts(NkHosTransport* transport, unsigned int receiveMs,
-                              unsigned int sendMs);
+int NkHosSetTransportTimeouts(NkHosTransport* transport, unsigned int receiveMs, unsigned int sendMs);
 
 #ifdef __cplusplus
 }
 
-inline int NkHosTransport_Init(NkHosTransport* transport, unsigned int handle)
-{
+inline int NkHosTransport_Init(NkHosTransport* transport, unsigned int handle) {
     return NkHosTransport_Init(transport, handle, nullptr, 0);
 }
 #endif

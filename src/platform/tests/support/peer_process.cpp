@@ -10,8 +10,7 @@
 
 namespace hos::platform::testing {
 
-PeerProcess::PeerProcess(std::vector<std::string> arguments)
-{
+PeerProcess::PeerProcess(std::vector<std::string> arguments) {
     int pipeFds[2];
     if (::pipe2(pipeFds, O_CLOEXEC) != 0) {
         return;
@@ -31,8 +30,7 @@ PeerProcess::PeerProcess(std::vector<std::string> arguments)
     m_output = pipeFds[0];
 }
 
-PeerProcess::~PeerProcess()
-{
+PeerProcess::~PeerProcess() {
     Kill();
     Wait(std::chrono::seconds(10));
     if (m_output >= 0) {
@@ -40,18 +38,15 @@ PeerProcess::~PeerProcess()
     }
 }
 
-std::unique_ptr<PeerProcess> PeerProcess::StartServer(const std::string& name)
-{
-    auto peer = std::make_unique<PeerProcess>(
-        std::vector<std::string>{HL_PLATFORM_TEST_PEER, "serve", name});
+std::unique_ptr<PeerProcess> PeerProcess::StartServer(const std::string& name) {
+    auto peer = std::make_unique<PeerProcess>(std::vector<std::string>{HL_PLATFORM_TEST_PEER, "serve", name});
     if (!peer->WaitForLine("ready", std::chrono::seconds(20))) {
         return nullptr;
     }
     return peer;
 }
 
-bool PeerProcess::WaitForLine(const std::string& line, std::chrono::milliseconds timeout)
-{
+bool PeerProcess::WaitForLine(const std::string& line, std::chrono::milliseconds timeout) {
     const auto until = std::chrono::steady_clock::now() + timeout;
     for (;;) {
         const auto newline = m_pending.find('\n');
@@ -63,8 +58,8 @@ bool PeerProcess::WaitForLine(const std::string& line, std::chrono::milliseconds
             }
             continue;
         }
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            until - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
         if (left.count() <= 0 || m_output < 0) {
             return false;
         }
@@ -81,15 +76,13 @@ bool PeerProcess::WaitForLine(const std::string& line, std::chrono::milliseconds
     }
 }
 
-void PeerProcess::Kill()
-{
+void PeerProcess::Kill() {
     if (m_pid > 0 && !m_reaped) {
         ::kill(m_pid, SIGKILL);
     }
 }
 
-int PeerProcess::Wait(std::chrono::milliseconds timeout)
-{
+int PeerProcess::Wait(std::chrono::milliseconds timeout) {
     if (m_pid <= 0 || m_reaped) {
         return -1;
     }
@@ -108,8 +101,7 @@ int PeerProcess::Wait(std::chrono::milliseconds timeout)
     }
 }
 
-bool PeerProcess::IsRunning()
-{
+bool PeerProcess::IsRunning() {
     if (m_pid <= 0 || m_reaped) {
         return false;
     }

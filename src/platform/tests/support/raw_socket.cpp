@@ -9,8 +9,7 @@
 
 namespace hos::platform::testing {
 
-RawSocket::RawSocket(const std::string& path)
-{
+RawSocket::RawSocket(const std::string& path) {
     m_fd = ::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -21,15 +20,13 @@ RawSocket::RawSocket(const std::string& path)
     }
 }
 
-RawSocket::~RawSocket()
-{
+RawSocket::~RawSocket() {
     if (m_fd >= 0) {
         ::close(m_fd);
     }
 }
 
-bool RawSocket::Send(const std::vector<unsigned char>& packet, const std::vector<int>& fds)
-{
+bool RawSocket::Send(const std::vector<unsigned char>& packet, const std::vector<int>& fds) {
     iovec part{const_cast<unsigned char*>(packet.data()), packet.size()};
     msghdr message{};
     message.msg_iov = &part;
@@ -47,8 +44,7 @@ bool RawSocket::Send(const std::vector<unsigned char>& packet, const std::vector
     return ::sendmsg(m_fd, &message, MSG_NOSIGNAL) == static_cast<ssize_t>(packet.size());
 }
 
-std::optional<std::vector<unsigned char>> RawSocket::Receive(std::chrono::milliseconds timeout)
-{
+std::optional<std::vector<unsigned char>> RawSocket::Receive(std::chrono::milliseconds timeout) {
     pollfd waiting{m_fd, POLLIN, 0};
     if (::poll(&waiting, 1, static_cast<int>(timeout.count())) <= 0) {
         return std::nullopt;
@@ -62,9 +58,8 @@ std::optional<std::vector<unsigned char>> RawSocket::Receive(std::chrono::millis
     return buffer;
 }
 
-std::vector<unsigned char> MakePacket(uint16_t kind, uint32_t sizeWord, uint32_t arenaSize,
-                                      uint32_t sequence, const std::vector<unsigned char>& tail)
-{
+std::vector<unsigned char> MakePacket(uint16_t kind, uint32_t sizeWord, uint32_t arenaSize, uint32_t sequence,
+                                      const std::vector<unsigned char>& tail) {
     std::vector<unsigned char> packet(24, 0);
     const uint16_t iid = 1;
     const uint16_t version = 1;
@@ -78,8 +73,7 @@ std::vector<unsigned char> MakePacket(uint16_t kind, uint32_t sizeWord, uint32_t
     return packet;
 }
 
-int ResultOf(const std::vector<unsigned char>& packet)
-{
+int ResultOf(const std::vector<unsigned char>& packet) {
     int result = 0;
     if (packet.size() >= 24) {
         std::memcpy(&result, packet.data() + 20, 4);
@@ -87,8 +81,7 @@ int ResultOf(const std::vector<unsigned char>& packet)
     return result;
 }
 
-uint16_t KindOf(const std::vector<unsigned char>& packet)
-{
+uint16_t KindOf(const std::vector<unsigned char>& packet) {
     uint16_t kind = 0;
     if (packet.size() >= 24) {
         std::memcpy(&kind, packet.data() + 8, 2);

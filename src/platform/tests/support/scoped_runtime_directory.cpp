@@ -8,8 +8,7 @@
 
 namespace hos::platform::testing {
 
-ScopedRuntimeDirectory::ScopedRuntimeDirectory()
-{
+ScopedRuntimeDirectory::ScopedRuntimeDirectory() {
     const char* previous = std::getenv("HL_RUNTIME_DIR");
     m_hadPrevious = previous != nullptr;
     std::string base = m_hadPrevious ? previous : "/tmp";
@@ -23,8 +22,7 @@ ScopedRuntimeDirectory::ScopedRuntimeDirectory()
     ::setenv("HL_RUNTIME_DIR", m_path.c_str(), 1);
 }
 
-ScopedRuntimeDirectory::~ScopedRuntimeDirectory()
-{
+ScopedRuntimeDirectory::~ScopedRuntimeDirectory() {
     std::error_code ignored;
     std::filesystem::remove_all(m_path, ignored);
     if (m_hadPrevious) {

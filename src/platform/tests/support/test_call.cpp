@@ -4,28 +4,25 @@
 
 namespace hos::platform::testing {
 
-uint32_t TestResponse::U32At(size_t offset) const
-{
+uint32_t TestResponse::U32At(size_t offset) const {
     uint32_t value = 0;
     std::memcpy(&value, message.data() + offset, sizeof(value));
     return value;
 }
 
-unsigned int TestResponse::HandleAt(uint32_t index) const
-{
+unsigned int TestResponse::HandleAt(uint32_t index) const {
     return nk_handle_desc_get(nk_message_handle_desc_const(Header(), index));
 }
 
-TestResponse CallThrough(NkHosTransport& transport, const TestRequest& request)
-{
+TestResponse CallThrough(NkHosTransport& transport, const TestRequest& request) {
     const size_t descriptors = request.handles.size() * NK_HANDLE_DESC_SIZE;
     const size_t size = NK_MESSAGE_HEADER_SIZE + descriptors + request.fields.size();
     std::vector<unsigned char> message(size, 0);
     auto* header = reinterpret_cast<nk_message*>(message.data());
     header->iid = request.iid;
     header->mid = request.mid;
-    header->sizeFlags = nk_size_word(static_cast<uint32_t>(size),
-                                     static_cast<uint32_t>(request.handles.size()));
+    header->sizeFlags =
+        nk_size_word(static_cast<uint32_t>(size), static_cast<uint32_t>(request.handles.size()));
     for (size_t i = 0; i < request.handles.size(); ++i) {
         nk_handle_desc_set(nk_message_handle_desc(header, static_cast<uint32_t>(i)), request.handles[i]);
     }
@@ -50,16 +47,14 @@ TestResponse CallThrough(NkHosTransport& transport, const TestRequest& request)
                          responseBytes.data() + responseBytes.size()};
     }
     response.rc = transport.ops->call(&transport, header, &requestArena,
-                                      reinterpret_cast<nk_message*>(response.message.data()),
-                                      &responseArena);
+                                      reinterpret_cast<nk_message*>(response.message.data()), &responseArena);
     if (response.rc == 0 && responseArena.start != nullptr) {
         response.arena.assign(responseArena.start, responseArena.cursor);
     }
     return response;
 }
 
-std::vector<unsigned char> U32Bytes(uint32_t value)
-{
+std::vector<unsigned char> U32Bytes(uint32_t value) {
     std::vector<unsigned char> bytes(sizeof(value));
     std::memcpy(bytes.data(), &value, sizeof(value));
     return bytes;

@@ -12,18 +12,18 @@ namespace hos::platform::testing {
 struct TestRequest {
     uint16_t iid = 1;
     uint16_t mid = 0;
-    std::vector<unsigned char> fields;       // bytes after the header and descriptors
-    std::vector<unsigned int> handles;       // handles to pass, one descriptor each
-    std::vector<unsigned char> arena;        // bytes of the request arena
-    uint32_t responseRoom = 1024;            // size word of the response on entry
+    std::vector<unsigned char> fields;  // bytes after the header and descriptors
+    std::vector<unsigned int> handles;  // handles to pass, one descriptor each
+    std::vector<unsigned char> arena;   // bytes of the request arena
+    uint32_t responseRoom = 1024;       // size word of the response on entry
     uint32_t responseHandleRoom = 4;
     size_t responseArenaRoom = 4096;
 };
 
 struct TestResponse {
     int rc = 0;
-    std::vector<unsigned char> message;      // the response buffer (its room)
-    std::vector<unsigned char> arena;        // the received arena bytes
+    std::vector<unsigned char> message;  // the response buffer (its room)
+    std::vector<unsigned char> arena;    // the received arena bytes
     const nk_message* Header() const { return reinterpret_cast<const nk_message*>(message.data()); }
     uint32_t U32At(size_t offset) const;
     unsigned int HandleAt(uint32_t index) const;
