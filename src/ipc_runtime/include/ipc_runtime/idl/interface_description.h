@@ -16,6 +16,12 @@
 //
 // The method's C++ signature follows from its fields: the request's inputs in order, then a reference
 // for each response field. A description whose member function doesn't match fails to compile.
+//
+// Beside the description an interface header holds only what C++ can't derive by itself: one
+// forwarding override per method in its Proxy<T> specialisation (`Invoke<Description::Ping>(...)`,
+// proxy_base.h), and the declaration of its MakeProxyImpl overload, whose body is
+// MakeGeneratedProxy<T> (make_proxy.h). Stub<T> (stub.h) needs nothing more. See
+// idl/hl/app_manager/application_watchdog.h for a complete interface.
 
 #include <ipc_runtime/fixed_string.h>
 #include <ipc_runtime/message_header.h>
