@@ -213,3 +213,18 @@ TEST(XkbHelper, InitWithFocusObjectBuildsTheDefaultKeymap) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(XkbHelperOnThisPlatform, WithoutWaylandTheKeyboardIsAbsentAndInitWarns) {
+    int argc = 0;
+    QGuiApplication app(argc, nullptr);
+    ASSERT_FALSE(QGuiApplication::platformName().startsWith(QLatin1String("wayland")));
+    hos::logger::LogCaptureForTesting capture;
+    const auto helper = vdi::common_utils_ui::xkb_helper::CreateXkbHelper();
+    EXPECT_FALSE(helper->TryInitKeyboardInFocus());
+    EXPECT_TRUE(capture.Contains("Failed to get keyboard"));
+    EXPECT_FALSE(helper->IsCapsLockActive());
+}
+
+}  // namespace
