@@ -111,23 +111,6 @@ TEST_F(DialogTest, ButtonsPushDeclineAndApproveWithRealClicksAndHide) {
     EXPECT_FALSE(window->isVisible());
 }
 
-TEST_F(DialogTest, ButtonsCarryTheirStatesAndSizes) {
-    UsePalette(style::PaletteId::Dark);
-    QQuickWindow* window = CreateDialog();
-    ASSERT_NE(window, nullptr);
-    const auto buttons = FindItemsOfType(DialogRectangle(*window), "PushButton");
-    ASSERT_EQ(buttons.size(), 2U);
-    EXPECT_EQ(buttons[0]->state(), QStringLiteral("Alternative"));
-    EXPECT_EQ(buttons[1]->state(), QStringLiteral("SystemWarning"));
-    for (auto* button : buttons) {
-        EXPECT_EQ(button->property("fontPixelSize").toInt(), 14);
-        EXPECT_EQ(button->property("radius").toInt(), 12);
-        EXPECT_EQ(button->height(), 40);
-    }
-    EXPECT_EQ(buttons[0]->width(), buttons[1]->width());
-    EXPECT_EQ(buttons[1]->mapToScene({0, 0}).x() - buttons[0]->mapToScene({buttons[0]->width(), 0}).x(), 8);
-}
-
 TEST_F(DialogTest, BorderFollowsThePalette) {
     UsePalette(style::PaletteId::Light);
     QQuickWindow* window = CreateDialog();

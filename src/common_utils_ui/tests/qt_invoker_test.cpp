@@ -39,6 +39,7 @@ public:
     }
 
     void Store(int value) {
+        m_log.thread = QThread::currentThread();
         m_log.lastValue = value;
         ++m_log.calls;
     }
@@ -105,16 +106,6 @@ TEST(QtInvoker, CallFromWorkerReturnsFirstAndRunsOnMainThreadLater) {
     QCoreApplication::processEvents(QEventLoop::AllEvents);
     EXPECT_EQ(log.calls, 1);
     EXPECT_EQ(log.lastValue, 42);
-}
-
-TEST(QtInvoker, CallFromWorkerRunsOnMainThread) {
-    int argc = 0;
-    QCoreApplication app(argc, nullptr);
-    CallLog log;
-    Target target(log);
-    RunFromWorker([&] { QtInvoker<Target>(&target).Invoke(&Target::Touch); });
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
-    ASSERT_EQ(log.calls, 1);
     EXPECT_EQ(log.thread.load(), app.thread());
 }
 
