@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -97,7 +98,10 @@ int ServiceRegistry::Publish(const RegistryEntry& entry) {
     }
     const pid_t pid = entry.pid != 0 ? entry.pid : ::getpid();
     const std::string finalPath = *root + "/registry/" + entry.type;
-    const std::string tempPath = *root + "/registry/." + entry.type + "." + std::to_string(::getpid());
+    // Unique per process and call, so that concurrent publishers never share a temporary file.
+    static std::atomic<unsigned int> counter{0};
+    const std::string tempPath = *root + "/registry/." + entry.type + "." + std::to_string(::getpid()) + "." +
+                                 std::to_string(counter++);
     {
         std::ofstream file(tempPath, std::ios::trunc);
         file << "server=" << entry.server << "\nendpoint=" << entry.endpoint << "\npid=" << pid << "\n";

@@ -3,7 +3,9 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <fstream>
+#include <thread>
 
 #include <platform/i_service_registry.h>
 #include <platform/nk_result.h>
@@ -65,6 +67,35 @@ TEST(ServiceRegistryTest, InvalidNamesAreRefused) {
     EXPECT_EQ(registry->Publish({".hidden", "s", "e", 0}), NK_EINVAL);
     EXPECT_EQ(registry->Publish({std::string(201, 'x'), "s", "e", 0}), NK_EINVAL);
     EXPECT_TRUE(registry->List().empty());
+}
+
+TEST(ServiceRegistryTest, ConcurrentPublishersNeverLeaveAHalfWrittenEntry) {
+    ScopedRuntimeDirectory directory;
+    const auto registry = CreateServiceRegistry();
+    ASSERT_EQ(registry->Publish({"shared", "server-0", "endpoint-0", 0}), 0);
+    std::atomic<int> failures{0};
+    auto publisher = [&](int id) {
+        const std::string suffix = std::to_string(id);
+        for (int i = 0; i < 100; ++i) {
+            if (registry->Publish({"shared", "server-" + suffix, "endpoint-" + suffix, 0}) != 0) {
+                ++failures;
+            }
+        }
+    };
+    std::thread first(publisher, 1);
+    std::thread second(publisher, 2);
+    int badReads = 0;
+    for (int i = 0; i < 200; ++i) {
+        const auto found = registry->Find("shared");
+        if (!found || found->server.substr(7) != found->endpoint.substr(9)) {
+            ++badReads;
+        }
+    }
+    first.join();
+    second.join();
+    EXPECT_EQ(failures.load(), 0);
+    EXPECT_EQ(badReads, 0);
+    EXPECT_EQ(registry->List().size(), 1u);
 }
 
 TEST(ServiceRegistryTest, MalformedEntryFileIsIgnored) {
