@@ -56,8 +56,10 @@ void HandleObject::OnClosed() {
 }
 
 HandleTable& HandleTable::Instance() {
-    static HandleTable table;
-    return table;
+    // Never destroyed: server channels' threads may still run while the process exits, and
+    // must not find the table or the logger torn down under them.
+    static HandleTable* const table = new HandleTable;
+    return *table;
 }
 
 unsigned int HandleTable::Insert(std::shared_ptr<HandleObject> object) {

@@ -2,7 +2,7 @@
 //
 // Handles are handed out from 1 upward, wrapping before 0xFFFFFF and skipping values in use.
 // Thread: every operation locks the table; safe from any thread. One table per process, since
-// handles are process state.
+// handles are process state; it lives until the process ends.
 #pragma once
 
 #include <map>
