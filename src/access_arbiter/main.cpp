@@ -1,18 +1,25 @@
 // The composition root: every long-lived object is a local of main, made in the numbered order below
 // and destroyed in reverse. A later subsystem goes in at its own number.
 
-#include <access_arbiter/config/logger_config.h>
+#include <access_arbiter/application/access_arbiter.h>
 #include <access_arbiter/interactors/user_decision_interactor.h>
+#include <access_arbiter/ui/window/i_window.h>
+#include <access_arbiter/ui/window/i_window_factory.h>
+#include <access_arbiter/ui/window_factory/window_factory.h>
 #include <common/utils/i_task_executor.h>
 #include <common/utils/qt_ui_task_executor.h>
 #include <common_utils/app_utils/get_app_name.h>
 #include <common_utils_ui/app_shutdown/qt_app_shutdown.h>
-#include <diagnostics/hos_logger.h>
+#include <common_utils_ui/fonts/default_font.h>
+#include <common_utils_ui/keyboard/keyboard_init.h>
+#include <diagnostics/check.h>
 #include <diagnostics/log.h>
 #include <diagnostics/process_exception.h>
-#include <diagnostics/qt_logger_support.h>
 
 #include <QGuiApplication>
+#include <QPointer>
+#include <QQmlApplicationEngine>
+#include <QQmlContext>
 
 #include <memory>
 #include <string_view>
@@ -24,11 +31,32 @@ int main(int argc, char** argv) {
 
     try {
         // 5. logger, and Qt's own messages routed into it
-        hos::logger::HOSLogger::Setup("ACCESSARB", access_arbiter::config::logger::impl::logLevel, nullptr);
-        qInstallMessageHandler(QtLoggerSupport::MessageHandler);
+        access_arbiter::AccessArbiter::SetupLogger();
 
         // 6. Qt application; this thread is the Qt main thread from here on
         QGuiApplication app(argc, argv);
+
+        // 8. font
+        vdi::common_utils_ui::fonts::SetDefaultHosApplicationFont(app);
+
+        // 9. keyboard; a child of app, so main keeps nothing of it
+        vdi::common_utils_ui::KeyboardInit::Create(&app);
+
+        // 10. resources
+        access_arbiter::AccessArbiter::InitResources();
+
+        // 11. application object: organisation data and palette
+        access_arbiter::AccessArbiter application;
+
+        // 12. QML engine
+        QQmlApplicationEngine engine(nullptr);
+        engine.addImportPath(QStringLiteral("file:///qml"));
+
+        // 13. palette for the documents
+        QPointer<QQmlApplicationEngine> enginePointer(&engine);
+        auto paletteProvider = application.GetPaletteProvider();
+        enginePointer->rootContext()->setContextProperty(QStringLiteral("paletteProvider"),
+                                                         paletteProvider.get());
 
         // 14. task executor and shutdown; the shutdown stands ready, nothing calls it
         auto taskExecutor = std::make_shared<common::utils::QtUiTaskExecutor>();
@@ -38,8 +66,17 @@ int main(int argc, char** argv) {
         // 15. decision queue between the dialog and the IPC side
         auto interactor = std::make_shared<access_arbiter::interactors::UserDecisionInteractor>();
 
+        // 16. window factory; checks its arguments
+        std::unique_ptr<windows::components::IWindowFactory> windowFactory =
+            std::make_unique<access_arbiter::ui::WindowFactory>(
+                enginePointer, std::shared_ptr<access_arbiter::interactors::IUserDecisionSetter>(interactor));
+
         // 17. written here on purpose, before the window and the IPC side exist
         HL_LOG(hos::logger::LogLevel::Info, "[main] AccessArbiter is ready");
+
+        // 18. the window loads the document and stays hidden until a caller asks for a decision
+        std::shared_ptr<windows::components::IWindow> window = windowFactory->CreateWindow();
+        HCA_CHECK(window != nullptr) << "Failed to create window!";
 
         // 22. event loop
         const int exitCode = QGuiApplication::exec();
