@@ -108,6 +108,8 @@ QImage ControlRenderer::Render(const QString& specimen, utils::style::PaletteId 
         image = window.grabWindow();
         object.reset();
     }
+    // The scene graph hands its textures to deleteLater when the window goes.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     const QStringList reported = messages.Messages();
     if (!reported.isEmpty()) {

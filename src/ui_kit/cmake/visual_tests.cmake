@@ -7,3 +7,10 @@ hl_add_test(hl_ui_kit_visual_tests
           "${CMAKE_CURRENT_SOURCE_DIR}/tests/visual/image_comparison.cpp"
   DEPS hl_ui_kit_gallery_core
   LABELS visual)
+
+# Both programs that draw controls in windows carry the suppressions of Qt's own leaks.
+foreach(target IN ITEMS hl_ui_kit_tests hl_ui_kit_visual_tests)
+  if(TARGET ${target})
+    target_sources(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests/qt_leak_suppressions.cpp")
+  endif()
+endforeach()

@@ -243,6 +243,8 @@ TEST_P(UiKitControlLoads, CreatesFromItsResourcePathWithoutWarnings) {
         QTest::qWait(150);
         object.reset();
     }
+    // The scene graph hands its textures to deleteLater when the window goes.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     QStringList messages = warnings.Messages();
     if (param.control == "AppMenu") {
