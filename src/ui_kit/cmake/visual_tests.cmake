@@ -5,7 +5,7 @@ hl_add_ui_kit_gallery_core()
 hl_add_test(hl_ui_kit_visual_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/visual/control_visual_test.cpp"
           "${CMAKE_CURRENT_SOURCE_DIR}/tests/visual/image_comparison.cpp"
-  DEPS hl_ui_kit_gallery_core
+  DEPS hl_ui_kit_gallery_core Qt6::Test
   LABELS visual)
 
 # Both programs that draw controls in windows carry the suppressions of Qt's own leaks.

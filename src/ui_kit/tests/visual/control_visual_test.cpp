@@ -11,6 +11,12 @@
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQmlContext>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -151,6 +157,51 @@ TEST_F(ControlRendering, PaletteChangesTheBackground) {
     // Inside the rounded frame, away from any text: the palette's backgroundPrimary.
     EXPECT_EQ(QColor(dark.pixel(dark.width() - 8, dark.height() / 2)), QColor("#050505"));
     EXPECT_EQ(QColor(light.pixel(light.width() - 8, light.height() / 2)), QColor("#FFFFFF"));
+}
+
+TEST_F(ControlRendering, PaletteSwitchFlipsTheProvidersPalette) {
+    PaletteSwitch paletteSwitch(PaletteId::Light);
+    QSignalSpy darkChanged(&paletteSwitch, &PaletteSwitch::DarkChanged);
+    QSignalSpy paletteChanged(paletteSwitch.Provider(),
+                              &vdi::uikit::utils::style::PaletteProvider::PaletteChanged);
+    EXPECT_FALSE(paletteSwitch.IsDark());
+    paletteSwitch.SetDark(true);
+    EXPECT_TRUE(paletteSwitch.IsDark());
+    EXPECT_EQ(paletteSwitch.Provider()->Palette()->Id(), PaletteId::Dark);
+    paletteSwitch.SetDark(true);
+    EXPECT_EQ(darkChanged.count(), 1);
+    EXPECT_EQ(paletteChanged.count(), 1);
+}
+
+TEST_F(ControlRendering, GalleryWindowShowsEverySpecimenAndFollowsTheSwitch) {
+    auto paletteSwitch = std::make_shared<PaletteSwitch>(PaletteId::Dark);
+    QQmlApplicationEngine engine;
+    engine.rootContext()->setContextProperty("paletteProvider", paletteSwitch->Provider());
+    engine.rootContext()->setContextProperty("paletteSwitch", paletteSwitch.get());
+    engine.rootContext()->setContextProperty("specimenNames", ControlRenderer::SpecimenNames());
+    engine.load(QUrl("qrc:/ui_kit_gallery/Gallery.qml"));
+    ASSERT_EQ(engine.rootObjects().size(), 1);
+    auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().front());
+    ASSERT_NE(window, nullptr);
+
+    QTest::qWait(300);
+    QStringList loaded;
+    std::vector<QQuickItem*> pending = {window->contentItem()};
+    while (!pending.empty()) {
+        QQuickItem* item = pending.back();
+        pending.pop_back();
+        const QUrl source = item->property("source").toUrl();
+        if (item->inherits("QQuickLoader") && source.path().startsWith("/ui_kit_gallery/specimens/")
+            && item->property("status").toInt() == 1)
+            loaded.append(source.fileName());
+        const auto children = item->childItems();
+        pending.insert(pending.end(), children.begin(), children.end());
+    }
+    EXPECT_EQ(loaded.size(), ControlRenderer::SpecimenNames().size()) << loaded.join(",").toStdString();
+
+    EXPECT_EQ(window->color(), QColor("#141414"));
+    paletteSwitch->SetDark(false);
+    EXPECT_EQ(window->color(), QColor("#F7F8FA"));
 }
 
 TEST(ImageComparison, CountsOnlyDifferencesBeyondTheTolerance) {
