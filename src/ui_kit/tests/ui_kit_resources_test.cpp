@@ -3,7 +3,9 @@
 #include <ui_kit/style/palette_provider.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
+#include <QRegularExpression>
 #include <QGuiApplication>
 #include <QImage>
 #include <QQmlComponent>
@@ -181,6 +183,29 @@ TEST_F(UiKitResources, LoaderStripsHoldTheSpinnersFrames) {
     EXPECT_EQ(big.size(), QSize(120 * 20, 120));
     const QImage small(ImagePath("loader_small"));
     EXPECT_EQ(small.size(), QSize(24 * 8, 24));
+}
+
+TEST_F(UiKitResources, EverySvgSourceHasAPngOfItsDeclaredSize) {
+    // The PNGs are committed beside their sources; one edited without rerunning
+    // images/make_pngs.sh shows up here by its size or its absence.
+    const QString root = QStringLiteral(HL_SOURCE_DIR "/src/ui_kit/images/");
+    const QRegularExpression sizePattern(R"re(<svg[^>]*\swidth="(\d+)"[^>]*\sheight="(\d+)")re");
+    int sources = 0;
+    QDirIterator it(root + "svg", {"*.svg"}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString svgPath = it.next();
+        ++sources;
+        const QString relative = QDir(root + "svg").relativeFilePath(svgPath).chopped(4);
+        QFile svg(svgPath);
+        ASSERT_TRUE(svg.open(QIODevice::ReadOnly)) << svgPath.toStdString();
+        const auto match = sizePattern.match(QString::fromUtf8(svg.readAll()));
+        ASSERT_TRUE(match.hasMatch()) << relative.toStdString() << " declares no width and height";
+        const QImage png(root + "png/" + relative + ".png");
+        ASSERT_FALSE(png.isNull()) << relative.toStdString() << " has no PNG";
+        EXPECT_EQ(png.size(), QSize(match.captured(1).toInt(), match.captured(2).toInt())) << relative.toStdString();
+        EXPECT_TRUE(QFile::exists(ImagePath(relative.toStdString()))) << relative.toStdString() << " is not in the tree";
+    }
+    EXPECT_EQ(sources, static_cast<int>(kImages.size()));
 }
 
 TEST_F(UiKitResources, CloseIconIsWhiteOnTransparent) {
