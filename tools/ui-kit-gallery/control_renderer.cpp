@@ -13,6 +13,7 @@
 #include <QThread>
 
 #include <mutex>
+#include <vector>
 
 namespace vdi::uikit::gallery {
 
@@ -21,6 +22,7 @@ namespace {
 constexpr char kSpecimenDir[] = ":/ui_kit_gallery/specimens";
 // Long enough for asynchronous loaders, image decoding and canvas painting to finish.
 constexpr int kSettleMilliseconds = 300;
+constexpr int kMaxLoadingMilliseconds = 5000;
 
 // Gathers QML's warnings and errors while a specimen is built and drawn.
 class MessageCollector {
@@ -51,6 +53,22 @@ private:
     static inline QStringList s_messages;
     QtMessageHandler m_previous = nullptr;
 };
+
+// True while a Loader or an Image below the item is still loading.
+bool IsLoading(QQuickItem* root) {
+    std::vector<QQuickItem*> pending = {root};
+    while (!pending.empty()) {
+        QQuickItem* item = pending.back();
+        pending.pop_back();
+        // Loader.Loading and Image.Loading are both 2.
+        if ((item->inherits("QQuickLoader") || item->inherits("QQuickImageBase"))
+            && item->property("status").toInt() == 2)
+            return true;
+        const auto children = item->childItems();
+        pending.insert(pending.end(), children.begin(), children.end());
+    }
+    return false;
+}
 
 void Settle(int milliseconds) {
     QElapsedTimer timer;
@@ -102,6 +120,9 @@ QImage ControlRenderer::Render(const QString& specimen, utils::style::PaletteId 
         window.resize(qMax(1, qCeil(item->width())), qMax(1, qCeil(item->height())));
         window.show();
         Settle(kSettleMilliseconds);
+        // A busy machine may need longer for asynchronous content; wait for it, within reason.
+        for (int waited = 0; IsLoading(window.contentItem()) && waited < kMaxLoadingMilliseconds; waited += 50)
+            Settle(50);
         // The specimen may have grown while its content arrived.
         window.resize(qMax(1, qCeil(item->width())), qMax(1, qCeil(item->height())));
         Settle(50);
