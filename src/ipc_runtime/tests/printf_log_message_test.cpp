@@ -5,6 +5,9 @@
 #include <cstring>
 #include <string>
 
+// Some cases format into buffers that are too small on purpose.
+#pragma GCC diagnostic ignored "-Wformat-truncation"
+
 namespace {
 
 using hosipc_detail::api_v1::PrintfLogMessage;

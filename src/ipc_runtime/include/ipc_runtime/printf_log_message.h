@@ -44,7 +44,11 @@ public:
             return buffer;
         }
         if (Format(buffer, size) < 0) {
+            // Truncating the fallback text into a short buffer is the intent here.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wstringop-truncation"
             std::strncpy(buffer, kFormatFailedText, size);
+#pragma GCC diagnostic pop
             buffer[size - 1] = '\0';
         }
         return buffer;
@@ -62,6 +66,7 @@ private:
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"
+#pragma GCC diagnostic ignored "-Wformat-truncation"
                 return std::snprintf(buffer, size, m_format, args...);
 #pragma GCC diagnostic pop
             },
