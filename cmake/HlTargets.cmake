@@ -46,6 +46,14 @@ set(HL_TEST_ENV
     "ASAN_OPTIONS=detect_leaks=0:halt_on_error=1"
     "UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1")
 
+# gtest_discover_tests flattens a list-valued ENVIRONMENT property to its first entry, so the test
+# environment is given the way an emulator would be: every discovered case then runs as
+# "env VAR=value ... <test> --gtest_filter=<case>".
+find_program(HL_ENV_PROGRAM env REQUIRED)
+function(hl_set_test_env target)
+  set_property(TARGET ${target} PROPERTY CROSSCOMPILING_EMULATOR "${HL_ENV_PROGRAM}" ${HL_TEST_ENV} ${ARGN})
+endfunction()
+
 function(hl_add_test name)
   if(NOT HL_BUILD_TESTS)
     return()
@@ -63,11 +71,11 @@ function(hl_add_test name)
   target_compile_definitions(${name} PRIVATE HL_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
                                              HL_BINARY_DIR="${CMAKE_BINARY_DIR}")
   hl_apply_warnings(${name})
+  hl_set_test_env(${name} ${ARG_ENV})
   gtest_discover_tests(${name}
     DISCOVERY_TIMEOUT 60
     DISCOVERY_MODE PRE_TEST
-    PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT ${ARG_TIMEOUT}
-               ENVIRONMENT "${HL_TEST_ENV};${ARG_ENV}")
+    PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT ${ARG_TIMEOUT})
 endfunction()
 
 # A Qt Quick Test runner over the tst_*.qml files of QML_DIR.
@@ -146,10 +154,11 @@ function(hl_add_subsystem name)
                                                         HL_BINARY_DIR="${CMAKE_BINARY_DIR}")
     hl_apply_warnings(hl_${name}_tests)
     # Each case runs in a process of its own, so a test may own its QCoreApplication.
+    hl_set_test_env(hl_${name}_tests)
     gtest_discover_tests(hl_${name}_tests
       DISCOVERY_TIMEOUT 60
       DISCOVERY_MODE PRE_TEST
-      PROPERTIES LABELS "${ARG_TEST_LABELS}" TIMEOUT 120 ENVIRONMENT "${HL_TEST_ENV}")
+      PROPERTIES LABELS "${ARG_TEST_LABELS}" TIMEOUT 120)
   endif()
 
   file(GLOB extras CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/cmake/*.cmake")
