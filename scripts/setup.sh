@@ -13,7 +13,6 @@ PACKAGES=(
   qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtqml-workerscript
   qml6-module-qttest qml6-module-qtqml qml6-module-qtquick-shapes
   libfmt-dev libxkbcommon-dev libwayland-dev libgtest-dev libgmock-dev libbenchmark-dev
-  nlohmann-json3-dev
   # runtime of the hosted platform: fonts, X server for real-window tests, image tools
   fontconfig fonts-dejavu-core xvfb xauth librsvg2-bin
 )
