@@ -155,31 +155,33 @@ int WideToUtf16(std::wstring_view source, std::u16string& out) {
   return PointsToUtf16(forEachPoint, out);
 }
 
-template <>
-std::string Cast<std::string>(std::u16string_view source) {
-  std::string out;
-  if (const int rc = Utf16ToBytes(source, out); rc != kNoError) {
+namespace {
+
+// Runs one of the conversions above into a fresh string and turns its failure code into the exception.
+template <typename Out, typename In>
+Out ConvertOrThrow(In source, int (*convert)(In, Out&)) {
+  Out out;
+  if (const int rc = convert(source, out); rc != kNoError) {
     ThrowFor(rc);
   }
   return out;
+}
+
+}  // namespace
+
+template <>
+std::string Cast<std::string>(std::u16string_view source) {
+  return ConvertOrThrow(source, &Utf16ToBytes);
 }
 
 template <>
 std::u16string Cast<std::u16string>(std::string_view source) {
-  std::u16string out;
-  if (const int rc = BytesToUtf16(source, out); rc != kNoError) {
-    ThrowFor(rc);
-  }
-  return out;
+  return ConvertOrThrow(source, &BytesToUtf16);
 }
 
 template <>
 std::u16string Cast<std::u16string>(std::wstring_view source) {
-  std::u16string out;
-  if (const int rc = WideToUtf16(source, out); rc != kNoError) {
-    ThrowFor(rc);
-  }
-  return out;
+  return ConvertOrThrow(source, &WideToUtf16);
 }
 
 }  // namespace hca::text
