@@ -59,172 +59,86 @@ struct Fixture {
     xkb_helper::XkbHelper helper{api, keyboard};
 };
 
-TEST(XkbHelper, EmptyDependenciesAreRejected) {
-    EXPECT_ANY_THROW(xkb_helper::XkbHelper(nullptr, std::make_shared<FakeKeyboard>()));
-    EXPECT_ANY_THROW(xkb_helper::XkbHelper(std::make_shared<xkb_api::XkbApi>(), nullptr));
-}
-
-TEST(XkbHelper, ModifiersAreInactiveWhileTheKeyboardHasNoState) {
+TEST(XkbHelper, ModifierFollowsItsBitInTheMaskOnlyWithAStateAndAKnownIndex) {
     Fixture f;
-    f.keyboard->mask = 0xFFFFFFFF;
-    EXPECT_CALL(*f.api, XkbStateGetKeymap(_)).Times(0);
-    EXPECT_FALSE(f.helper.IsCapsLockActive());
-    EXPECT_FALSE(f.helper.IsNumLockActive());
-}
-
-TEST(XkbHelper, ModifierFollowsItsBitInTheMask) {
-    Fixture f;
+    f.keyboard->mask = (1U << 1) | (1U << 3);
+    EXPECT_CALL(*f.api, XkbStateGetKeymap(_)).WillRepeatedly(Return(kKeymap));
+    EXPECT_FALSE(f.helper.IsCapsLockActive()) << "no state yet";
     f.keyboard->state = kState;
-    ON_CALL(*f.api, XkbStateGetKeymap(kState)).WillByDefault(Return(kKeymap));
     ON_CALL(*f.api, XkbKeymapModGetIndex(kKeymap, StrEq("Lock"))).WillByDefault(Return(1));
     ON_CALL(*f.api, XkbKeymapModGetIndex(kKeymap, StrEq("Mod2"))).WillByDefault(Return(4));
-
-    f.keyboard->mask = 1U << 1;
+    ON_CALL(*f.api, XkbKeymapModGetIndex(kKeymap, StrEq("ScrollLock"))).WillByDefault(Return(XKB_MOD_INVALID));
     EXPECT_TRUE(f.helper.IsCapsLockActive());
     EXPECT_FALSE(f.helper.IsNumLockActive());
-    f.keyboard->mask = 1U << 4;
-    EXPECT_FALSE(f.helper.IsCapsLockActive());
-    EXPECT_TRUE(f.helper.IsNumLockActive());
-}
-
-TEST(XkbHelper, ModifierMissingFromTheKeymapIsInactive) {
-    Fixture f;
-    f.keyboard->state = kState;
-    f.keyboard->mask = 0xFFFFFFFF;
-    ON_CALL(*f.api, XkbStateGetKeymap(kState)).WillByDefault(Return(kKeymap));
-    EXPECT_CALL(*f.api, XkbKeymapModGetIndex(kKeymap, StrEq("ScrollLock"))).WillOnce(Return(XKB_MOD_INVALID));
     EXPECT_FALSE(f.helper.IsScrollLockActive());
 }
 
-TEST(XkbHelper, ModeNamesOfTheRealFixedKeymapEndInABlank) {
-    xkb_helper::XkbHelper helper(std::make_shared<xkb_api::XkbApi>(), std::make_shared<FakeKeyboard>());
-    const std::string names = helper.ConvertModeNamesToString();
-    ASSERT_FALSE(names.empty());
-    EXPECT_EQ(names.back(), ' ');
-    EXPECT_EQ(names.rfind("Shift Lock Control ", 0), 0U) << names;
-    EXPECT_NE(names.find("Mod2 "), std::string::npos);
+// Each step of building the fixed keymap may fail; whatever was made before it must be freed.
+TEST(XkbHelper, ModeNamesFreeEverythingTheyMadeWhicheverStepFails) {
+    enum Step { kContextStep, kKeymapStep, kStateStep, kNone };
+    const char* logs[] = {"XkbHelper: Failed to create xkb contex", "XkbHelper: Failed to create xkb keymap",
+                          "XkbHelper: Failed to create xkb state", "Invalid index of num mods"};
+    for (Step failing : {kContextStep, kKeymapStep, kStateStep, kNone}) {
+        SCOPED_TRACE(failing);
+        Fixture f;
+        hos::logger::LogCaptureForTesting capture;
+        EXPECT_CALL(*f.api, XkbContextNew(XKB_CONTEXT_NO_FLAGS))
+            .WillOnce(Return(failing == kContextStep ? nullptr : kContext));
+        EXPECT_CALL(*f.api, XkbKeymapNewFromNames(kContext, _, XKB_KEYMAP_COMPILE_NO_FLAGS))
+            .Times(failing > kContextStep ? 1 : 0)
+            .WillRepeatedly([failing](xkb_context*, const xkb_rule_names* names, xkb_keymap_compile_flags) {
+                EXPECT_EQ(names->rules, nullptr);
+                EXPECT_STREQ(names->model, "pc105");
+                EXPECT_STREQ(names->layout, "us,ru");
+                EXPECT_STREQ(names->variant, "");
+                EXPECT_STREQ(names->options, "grp:alt_shift_toggle");
+                return failing == kKeymapStep ? nullptr : kKeymap;
+            });
+        EXPECT_CALL(*f.api, XkbStateNew(kKeymap))
+            .Times(failing > kKeymapStep ? 1 : 0)
+            .WillRepeatedly(Return(failing == kStateStep ? nullptr : kState));
+        ON_CALL(*f.api, XkbKeymapNumMods(kKeymap)).WillByDefault(Return(3));
+        ON_CALL(*f.api, XkbKeymapModGetName(kKeymap, 0)).WillByDefault(Return("Shift"));
+        ON_CALL(*f.api, XkbKeymapModGetName(kKeymap, 2)).WillByDefault(Return("Mod1"));
+        EXPECT_CALL(*f.api, XkbContextUnref(kContext)).Times(failing > kContextStep ? 1 : 0);
+        EXPECT_CALL(*f.api, XkbKeymapUnref(kKeymap)).Times(failing > kKeymapStep ? 1 : 0);
+        EXPECT_CALL(*f.api, XkbStateUnref(kState)).Times(failing > kStateStep ? 1 : 0);
+
+        EXPECT_EQ(f.helper.ConvertModeNamesToString(), failing == kNone ? "Shift Mod1 " : "");
+        EXPECT_TRUE(capture.Contains(logs[failing]));
+        EXPECT_EQ(capture.Records().size(), 1U);
+    }
 }
 
-TEST(XkbHelper, ModeNamesAskForTheFixedLayoutsAndSkipMissingNames) {
-    Fixture f;
-    hos::logger::LogCaptureForTesting capture;
-    EXPECT_CALL(*f.api, XkbContextNew(XKB_CONTEXT_NO_FLAGS)).WillOnce(Return(kContext));
-    EXPECT_CALL(*f.api, XkbKeymapNewFromNames(kContext, _, XKB_KEYMAP_COMPILE_NO_FLAGS))
-        .WillOnce([](xkb_context*, const xkb_rule_names* names, xkb_keymap_compile_flags) {
-            EXPECT_EQ(names->rules, nullptr);
-            EXPECT_STREQ(names->model, "pc105");
-            EXPECT_STREQ(names->layout, "us,ru");
-            EXPECT_STREQ(names->variant, "");
-            EXPECT_STREQ(names->options, "grp:alt_shift_toggle");
-            return kKeymap;
-        });
-    EXPECT_CALL(*f.api, XkbStateNew(kKeymap)).WillOnce(Return(kState));
-    EXPECT_CALL(*f.api, XkbKeymapNumMods(kKeymap)).WillOnce(Return(3));
-    EXPECT_CALL(*f.api, XkbKeymapModGetName(kKeymap, 0)).WillOnce(Return("Shift"));
-    EXPECT_CALL(*f.api, XkbKeymapModGetName(kKeymap, 1)).WillOnce(Return(nullptr));
-    EXPECT_CALL(*f.api, XkbKeymapModGetName(kKeymap, 2)).WillOnce(Return("Mod1"));
-    EXPECT_CALL(*f.api, XkbStateUnref(kState)).Times(1);
-    EXPECT_CALL(*f.api, XkbKeymapUnref(kKeymap)).Times(1);
-    EXPECT_CALL(*f.api, XkbContextUnref(kContext)).Times(1);
-
-    EXPECT_EQ(f.helper.ConvertModeNamesToString(), "Shift Mod1 ");
-    EXPECT_EQ(capture.Count(hos::logger::LogLevel::Warning), 1U);
-    EXPECT_TRUE(capture.Contains("ConvertModeNamesToString: Invalid index of num mods"));
-}
-
-TEST(XkbHelper, ModeNamesFreeContextAndKeymapWhenTheStateFails) {
-    Fixture f;
-    hos::logger::LogCaptureForTesting capture;
-    ON_CALL(*f.api, XkbContextNew(_)).WillByDefault(Return(kContext));
-    ON_CALL(*f.api, XkbKeymapNewFromNames(_, _, _)).WillByDefault(Return(kKeymap));
-    EXPECT_CALL(*f.api, XkbStateNew(kKeymap)).WillOnce(Return(nullptr));
-    EXPECT_CALL(*f.api, XkbStateUnref(_)).Times(0);
-    EXPECT_CALL(*f.api, XkbKeymapUnref(kKeymap)).Times(1);
-    EXPECT_CALL(*f.api, XkbContextUnref(kContext)).Times(1);
-
-    EXPECT_EQ(f.helper.ConvertModeNamesToString(), "");
-    EXPECT_TRUE(capture.Contains("XkbHelper: Failed to create xkb state"));
-}
-
-TEST(XkbHelper, ModeNamesFreeTheContextWhenTheKeymapFails) {
-    Fixture f;
-    hos::logger::LogCaptureForTesting capture;
-    ON_CALL(*f.api, XkbContextNew(_)).WillByDefault(Return(kContext));
-    EXPECT_CALL(*f.api, XkbKeymapNewFromNames(_, _, _)).WillOnce(Return(nullptr));
-    EXPECT_CALL(*f.api, XkbStateNew(_)).Times(0);
-    EXPECT_CALL(*f.api, XkbKeymapUnref(_)).Times(0);
-    EXPECT_CALL(*f.api, XkbContextUnref(kContext)).Times(1);
-
-    EXPECT_EQ(f.helper.ConvertModeNamesToString(), "");
-    EXPECT_TRUE(capture.Contains("XkbHelper: Failed to create xkb keymap"));
-}
-
-TEST(XkbHelper, ModeNamesFreeNothingWhenTheContextFails) {
-    Fixture f;
-    hos::logger::LogCaptureForTesting capture;
-    EXPECT_CALL(*f.api, XkbContextNew(_)).WillOnce(Return(nullptr));
-    EXPECT_CALL(*f.api, XkbKeymapNewFromNames(_, _, _)).Times(0);
-    EXPECT_CALL(*f.api, XkbContextUnref(_)).Times(0);
-
-    EXPECT_EQ(f.helper.ConvertModeNamesToString(), "");
-    EXPECT_TRUE(capture.Contains("XkbHelper: Failed to create xkb contex"));
-}
-
-TEST(XkbHelper, InitWithoutKeyboardWarnsAndFails) {
-    Fixture f;
-    hos::logger::LogCaptureForTesting capture;
-    EXPECT_FALSE(f.helper.TryInitKeyboardInFocus());
-    EXPECT_TRUE(capture.Contains("Failed to get keyboard"));
-    EXPECT_EQ(f.keyboard->builds, 0);
-}
-
-TEST(XkbHelper, InitWithKeymapSucceedsWithoutSyntheticKey) {
-    Fixture f;
-    f.keyboard->present = true;
-    f.keyboard->hasKeymap = true;
-    EXPECT_TRUE(f.helper.TryInitKeyboardInFocus());
-    EXPECT_EQ(f.keyboard->builds, 0);
-}
-
-TEST(XkbHelper, InitWithoutFocusObjectFailsSilently) {
-    int argc = 0;
-    QGuiApplication app(argc, nullptr);
-    Fixture f;
-    hos::logger::LogCaptureForTesting capture;
-    f.keyboard->present = true;
-    ASSERT_EQ(QGuiApplication::focusObject(), nullptr);
-    EXPECT_FALSE(f.helper.TryInitKeyboardInFocus());
-    EXPECT_EQ(f.keyboard->builds, 0);
-    EXPECT_TRUE(capture.Records().empty());
-}
-
-TEST(XkbHelper, InitWithFocusObjectBuildsTheDefaultKeymap) {
+TEST(XkbHelper, InitInFocusNeedsAKeyboardAndBuildsTheKeymapOnlyForAFocusObjectWithoutOne) {
     int argc = 0;
     QGuiApplication app(argc, nullptr);
     QWindow window;
-    window.show();
-    window.requestActivate();
-    QCoreApplication::processEvents();
-    ASSERT_NE(QGuiApplication::focusObject(), nullptr);
-    Fixture f;
-    f.keyboard->present = true;
-    EXPECT_TRUE(f.helper.TryInitKeyboardInFocus());
-    EXPECT_EQ(f.keyboard->builds, 1);
-}
-
-}  // namespace
-
-namespace {
-
-TEST(XkbHelperOnThisPlatform, WithoutWaylandTheKeyboardIsAbsentAndInitWarns) {
-    int argc = 0;
-    QGuiApplication app(argc, nullptr);
-    ASSERT_FALSE(QGuiApplication::platformName().startsWith(QLatin1String("wayland")));
-    hos::logger::LogCaptureForTesting capture;
-    const auto helper = vdi::common_utils_ui::xkb_helper::CreateXkbHelper();
-    EXPECT_FALSE(helper->TryInitKeyboardInFocus());
-    EXPECT_TRUE(capture.Contains("Failed to get keyboard"));
-    EXPECT_FALSE(helper->IsCapsLockActive());
+    struct Case {
+        bool present, hasKeymap, focus, result;
+        int builds;
+        const char* log;
+    } cases[] = {{false, false, false, false, 0, "Failed to get keyboard"},
+                 {true, true, false, true, 0, nullptr},
+                 {true, false, false, false, 0, nullptr},
+                 {true, false, true, true, 1, nullptr}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.present << c.hasKeymap << c.focus);
+        if (c.focus) {
+            window.show();
+            window.requestActivate();
+            QCoreApplication::processEvents();
+        }
+        ASSERT_EQ(QGuiApplication::focusObject() != nullptr, c.focus);
+        Fixture f;
+        f.keyboard->present = c.present;
+        f.keyboard->hasKeymap = c.hasKeymap;
+        hos::logger::LogCaptureForTesting capture;
+        EXPECT_EQ(f.helper.TryInitKeyboardInFocus(), c.result);
+        EXPECT_EQ(f.keyboard->builds, c.builds);
+        EXPECT_EQ(capture.Records().size(), c.log != nullptr ? 1U : 0U);
+        EXPECT_TRUE(c.log == nullptr || capture.Contains(c.log));
+    }
 }
 
 }  // namespace
