@@ -1,4 +1,4 @@
-// Connect, call, receive and reply between this process and a peer server process.
+// Connect and call between this process and a peer server process.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -15,8 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::CallThrough;
-using testing::PeerProcess;
-using testing::ScopedRuntimeDirectory;
 using testing::TestRequest;
 using testing::U32Bytes;
 namespace peer = test_peer;
@@ -26,20 +24,24 @@ constexpr const char* kServer = "echo-peer";
 class ChannelTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_peer = PeerProcess::StartServer(kServer);
+        m_peer = testing::PeerProcess::Start({HL_PLATFORM_TEST_PEER, "serve", kServer});
         ASSERT_NE(m_peer, nullptr) << "the test peer did not come up";
         ASSERT_EQ(KnCmConnect(kServer, peer::kEchoEndpointFull, 5000, &m_handle, &m_riid), 0);
         NkHosTransport_Init(&m_transport, m_handle, 0, 0);
         NkHosSetTransportTimeouts(&m_transport, NK_TIMEOUT_INFINITE, 20000);
     }
-    void TearDown() override {
-        if (m_handle != NK_INVALID_HANDLE) {
-            KnHandleClose(m_handle);
-        }
+    void TearDown() override { KnHandleClose(m_handle); }
+
+    TestRequest Request(uint16_t mid, uint32_t field = 0) {
+        TestRequest request;
+        request.iid = static_cast<uint16_t>(m_riid);
+        request.mid = mid;
+        request.fields = U32Bytes(field);
+        return request;
     }
 
-    ScopedRuntimeDirectory m_directory;
-    std::unique_ptr<PeerProcess> m_peer;
+    testing::ScopedRuntimeDirectory m_directory;
+    std::unique_ptr<testing::PeerProcess> m_peer;
     unsigned int m_handle = NK_INVALID_HANDLE;
     unsigned int m_riid = NK_INVALID_RIID;
     NkHosTransport m_transport{};
@@ -47,9 +49,7 @@ protected:
 
 TEST_F(ChannelTest, CallReturnsTheServersResponseWithFieldsAndArena) {
     EXPECT_EQ(m_riid, peer::kEchoRiid);
-    TestRequest request;
-    request.iid = static_cast<uint16_t>(m_riid);
-    request.mid = peer::kEcho;
+    TestRequest request = Request(peer::kEcho);
     request.fields = {1, 2, 3, 4, 5, 6, 7, 8};
     request.arena = {'h', 'e', 'l', 'l', 'o'};
     const auto response = CallThrough(m_transport, request);
@@ -60,157 +60,79 @@ TEST_F(ChannelTest, CallReturnsTheServersResponseWithFieldsAndArena) {
     EXPECT_EQ(std::vector<unsigned char>(response.message.begin() + 24, response.message.begin() + 32),
               request.fields);
     EXPECT_EQ(response.arena, request.arena);
+    EXPECT_EQ(CallThrough(m_transport, Request(peer::kFail)).Header()->sizeFlags, NK_SERVER_FAILURE_WORD);
 }
 
-TEST_F(ChannelTest, ManyCallsInARowEachGetTheirOwnAnswer) {
-    for (uint32_t i = 0; i < 50; ++i) {
-        TestRequest request;
-        request.iid = static_cast<uint16_t>(m_riid);
-        request.fields = U32Bytes(i);
-        const auto response = CallThrough(m_transport, request);
-        ASSERT_EQ(response.rc, 0);
-        ASSERT_EQ(response.U32At(24), i);
+TEST_F(ChannelTest, HandshakeResolvesEveryNameOfAnEndpointAndRefusesOthers) {
+    const struct {
+        const char* name;
+        int rc;
+        unsigned int riid;
+    } cases[] = {{"echo", 0, peer::kEchoRiid},         {"echo.echo", 0, peer::kEchoRiid},
+                 {"hl.test.Echo", 0, peer::kEchoRiid}, {"hl.test.Echo.echo", 0, peer::kEchoRiid},
+                 {"waylandClient", 0, 0},              {"hl.test.Nothing", NK_ENOENDPOINT, 88}};
+    for (const auto& item : cases) {
+        SCOPED_TRACE(item.name);
+        unsigned int handle = 77;
+        unsigned int riid = 88;
+        ASSERT_EQ(KnCmConnect(kServer, item.name, 5000, &handle, &riid), item.rc);
+        EXPECT_EQ(riid, item.riid);
+        EXPECT_EQ(KnHandleClose(handle), item.rc == 0 ? 0 : NK_EBADHANDLE);
     }
 }
 
-TEST_F(ChannelTest, HandshakeResolvesEveryNameOfAnEndpoint) {
-    for (const char* name : {"echo", "echo.echo", "hl.test.Echo", "hl.test.Echo.echo"}) {
-        unsigned int handle = NK_INVALID_HANDLE;
-        unsigned int riid = NK_INVALID_RIID;
-        ASSERT_EQ(KnCmConnect(kServer, name, 5000, &handle, &riid), 0) << name;
-        EXPECT_EQ(riid, peer::kEchoRiid) << name;
-        EXPECT_EQ(KnHandleClose(handle), 0);
+TEST_F(ChannelTest, ResponseWithAnotherIidOrMidFailsUnlessTheRequestIidIsAny) {
+    const struct {
+        uint16_t iid;
+        uint16_t mid;
+        int rc;
+    } cases[] = {{static_cast<uint16_t>(m_riid), peer::kWrongMid, NK_EMISMATCH},
+                 {static_cast<uint16_t>(m_riid), peer::kWrongIid, NK_EMISMATCH},
+                 {NK_IID_ANY, peer::kWrongIid, 0},  // the answer's iid 0xffff + 1 wraps to 0
+                 {NK_IID_ANY, peer::kWrongMid, NK_EMISMATCH},
+                 {static_cast<uint16_t>(m_riid), peer::kEcho, 0}};
+    for (const auto& item : cases) {
+        SCOPED_TRACE(::testing::Message() << item.iid << "/" << item.mid);
+        TestRequest request = Request(item.mid);
+        request.iid = item.iid;
+        EXPECT_EQ(CallThrough(m_transport, request).rc, item.rc);
     }
-    unsigned int handle = NK_INVALID_HANDLE;
-    unsigned int riid = NK_INVALID_RIID;
-    ASSERT_EQ(KnCmConnect(kServer, "waylandClient", 5000, &handle, &riid), 0);
-    EXPECT_EQ(riid, 0u);
-    KnHandleClose(handle);
-}
-
-TEST_F(ChannelTest, ConnectToAnUnofferedNameFailsWithAnotherCodeThanNotFound) {
-    unsigned int handle = 77;
-    unsigned int riid = 88;
-    EXPECT_EQ(KnCmConnect(kServer, "hl.test.Nothing", 5000, &handle, &riid), NK_ENOENDPOINT);
-    EXPECT_EQ(handle, 77u);
-    EXPECT_EQ(riid, 88u);
-}
-
-TEST_F(ChannelTest, ServiceLocatorConnectAndGetRiidResolveOnAnOpenChannel) {
-    const unsigned int handle = ServiceLocatorConnect(kServer);
-    ASSERT_NE(handle, NK_INVALID_HANDLE);
-    EXPECT_EQ(ServiceLocatorGetRiid(handle, "echo"), peer::kEchoRiid);
-    EXPECT_EQ(ServiceLocatorGetRiid(handle, "no.such"), NK_INVALID_RIID);
-    EXPECT_EQ(KnHandleClose(handle), 0);
-    EXPECT_EQ(ServiceLocatorConnect("not-there"), NK_INVALID_HANDLE);
-}
-
-TEST_F(ChannelTest, ServerFailureComesBackAsTheFailureWordWithSuccess) {
-    TestRequest request;
-    request.iid = static_cast<uint16_t>(m_riid);
-    request.mid = peer::kFail;
-    const auto response = CallThrough(m_transport, request);
-    ASSERT_EQ(response.rc, 0);
-    EXPECT_EQ(response.Header()->sizeFlags, NK_SERVER_FAILURE_WORD);
-}
-
-TEST_F(ChannelTest, ResponseWithAnotherMidFailsTheCall) {
-    TestRequest request;
-    request.iid = static_cast<uint16_t>(m_riid);
-    request.mid = peer::kWrongMid;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, NK_EMISMATCH);
-    // The channel stays usable after a mismatch.
-    request.mid = peer::kEcho;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, 0);
-}
-
-TEST_F(ChannelTest, ResponseWithAnotherIidFailsUnlessTheRequestIidIsAny) {
-    TestRequest request;
-    request.iid = static_cast<uint16_t>(m_riid);
-    request.mid = peer::kWrongIid;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, NK_EMISMATCH);
-    request.iid = NK_IID_ANY;
-    // The peer answers with iid 0xffff + 1, which wraps to 0: not compared for an iid of any.
-    const auto response = CallThrough(m_transport, request);
-    ASSERT_EQ(response.rc, 0);
-    EXPECT_EQ(response.Header()->iid, 0);
-}
-
-TEST_F(ChannelTest, ResponseLargerThanTheRoomIsRefused) {
-    TestRequest request;
-    request.iid = static_cast<uint16_t>(m_riid);
-    request.fields.assign(40, 0xab);
-    request.responseRoom = 32;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, NK_ETOOBIG);
-    request.responseRoom = 64;
-    request.arena.assign(100, 1);
-    request.responseArenaRoom = 50;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, NK_ETOOBIG);
 }
 
 TEST_F(ChannelTest, CallThatRunsOutOfTimeReturnsMinusElevenAndLaterCallsGetTheirOwnAnswer) {
     NkHosSetTransportTimeouts(&m_transport, NK_TIMEOUT_INFINITE, 100);
-    TestRequest slow;
-    slow.iid = static_cast<uint16_t>(m_riid);
-    slow.mid = peer::kSlowEcho;
-    slow.fields = U32Bytes(600);
-    EXPECT_EQ(CallThrough(m_transport, slow).rc, NK_TRANSPORT_TIMEOUT);
-
+    EXPECT_EQ(CallThrough(m_transport, Request(peer::kSlowEcho, 600)).rc, NK_TRANSPORT_TIMEOUT);
     NkHosSetTransportTimeouts(&m_transport, NK_TIMEOUT_INFINITE, 20000);
-    TestRequest next;
-    next.iid = static_cast<uint16_t>(m_riid);
-    next.mid = peer::kEcho;
-    next.fields = U32Bytes(0xC0FFEE);
-    const auto response = CallThrough(m_transport, next);
-    ASSERT_EQ(response.rc, 0);
-    EXPECT_EQ(response.Header()->mid, peer::kEcho);
-    EXPECT_EQ(response.U32At(24), 0xC0FFEEu);
+    for (uint32_t i = 0; i < 20; ++i) {
+        const auto response = CallThrough(m_transport, Request(peer::kEcho, 0xC0FFEE + i));
+        ASSERT_EQ(response.rc, 0);
+        EXPECT_EQ(response.Header()->mid, peer::kEcho);
+        EXPECT_EQ(response.U32At(24), 0xC0FFEEu + i);
+    }
 }
 
-TEST_F(ChannelTest, PeerKilledMidCallFailsThePendingCallPromptly) {
+TEST_F(ChannelTest, PeerKilledMidCallFailsThePendingCallAndFreesTheName) {
     NkHosSetTransportTimeouts(&m_transport, NK_TIMEOUT_INFINITE, NK_TIMEOUT_INFINITE);
     std::thread killer([this] {
         if (m_peer->WaitForLine("hanging", 20s)) {
             m_peer->Kill();
         }
     });
-    TestRequest request;
-    request.iid = static_cast<uint16_t>(m_riid);
-    request.mid = peer::kHang;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, NK_ECLOSED);
+    EXPECT_EQ(CallThrough(m_transport, Request(peer::kHang)).rc, NK_ECLOSED);
     killer.join();
-    // The dead server's name is free again: a connect answers not-found at once.
-    m_peer->Wait(10s);
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
     EXPECT_EQ(KnCmConnect(kServer, "echo", NK_TIMEOUT_INFINITE, &handle, &riid), NK_ENOTFOUND);
-}
-
-TEST_F(ChannelTest, CallOnAChannelWhoseServerQuitFailsWithClosed) {
-    TestRequest request;
-    request.iid = static_cast<uint16_t>(m_riid);
-    request.mid = peer::kQuit;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, 0);
-    m_peer->Wait(10s);
-    request.mid = peer::kEcho;
-    EXPECT_EQ(CallThrough(m_transport, request).rc, NK_ECLOSED);
+    EXPECT_EQ(CallThrough(m_transport, Request(peer::kEcho)).rc, NK_ECLOSED);
 }
 
 TEST(ChannelConnectTest, ConnectToAnAbsentServerAnswersNotFoundAtOnce) {
-    ScopedRuntimeDirectory directory;
+    testing::ScopedRuntimeDirectory directory;
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
     EXPECT_EQ(KnCmConnect("nobody-here", "echo", NK_TIMEOUT_INFINITE, &handle, &riid), NK_ENOTFOUND);
     EXPECT_EQ(handle, NK_INVALID_HANDLE);
     EXPECT_EQ(KnCmConnect("bad/name", "echo", 10, &handle, &riid), NK_EINVAL);
-}
-
-TEST(ChannelConnectTest, CallOnAnUnknownHandleFailsWithBadHandle) {
-    NkHosTransport transport;
-    NkHosTransport_Init(&transport, 0x123456);
-    TestRequest request;
-    EXPECT_EQ(CallThrough(transport, request).rc, NK_EBADHANDLE);
-    EXPECT_EQ(KnHandleClose(0x123456), NK_EBADHANDLE);
 }
 
 }  // namespace

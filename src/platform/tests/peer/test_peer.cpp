@@ -1,6 +1,5 @@
 // A server process for the platform's integration tests: `hl_platform_test_peer serve NAME`
-// registers NAME, prints "ready" and serves the methods of test_peer_protocol.h until killed or
-// asked to quit.
+// registers NAME, prints "ready" and serves the methods of test_peer_protocol.h until killed.
 #include <cstdio>
 #include <cstring>
 #include <thread>
@@ -16,12 +15,6 @@ using namespace hos::platform::test_peer;
 
 unsigned int g_keptEnd = NK_INVALID_HANDLE;
 
-uint32_t FieldAt24(const std::vector<unsigned char>& message) {
-    uint32_t value = 0;
-    std::memcpy(&value, message.data() + NK_MESSAGE_HEADER_SIZE, sizeof(value));
-    return value;
-}
-
 int SetTree() {
     static const HosEndpointDesc endpoints[] = {
         {0, "waylandClient", "waylandClient", "hl.WaylandClient"},
@@ -34,28 +27,26 @@ int SetTree() {
     return HosTaskSetComponentTree(HosTaskGetSelf(), &tree);
 }
 
-// Fills `response` for `request`; returns false when the peer is to stop after replying.
-bool Serve(std::vector<unsigned char>& request, std::vector<unsigned char>& response, nk_arena& requestArena,
-           nk_arena& responseArena) {
-    auto* in = reinterpret_cast<nk_message*>(request.data());
-    auto* out = reinterpret_cast<nk_message*>(response.data());
-    const uint32_t size = nk_message_size(in);
-    std::memcpy(response.data(), request.data(), size);
+// Answers `in` in `out`: an echo of it, message and arena, changed as its method says.
+void Serve(nk_message* in, nk_arena& requestArena, unsigned char* out, nk_arena& responseArena) {
+    auto* header = reinterpret_cast<nk_message*>(out);
+    std::memcpy(out, in, nk_message_size(in));
     const size_t arenaUsed = nk_arena_used(&requestArena);
     std::memcpy(responseArena.start, requestArena.start, arenaUsed);
     responseArena.cursor = responseArena.start + arenaUsed;
+    uint32_t field = 0;
+    std::memcpy(&field, out + NK_MESSAGE_HEADER_SIZE, sizeof(field));
+    int rc = 0;
     switch (in->mid) {
-        case kEcho:
-            return true;
         case kWrongMid:
-            out->mid = static_cast<uint16_t>(in->mid + 1);
-            return true;
+            header->mid = static_cast<uint16_t>(in->mid + 1);
+            break;
         case kWrongIid:
-            out->iid = static_cast<uint16_t>(in->iid + 1);
-            return true;
+            header->iid = static_cast<uint16_t>(in->iid + 1);
+            break;
         case kSlowEcho:
-            std::this_thread::sleep_for(std::chrono::milliseconds(FieldAt24(request)));
-            return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(field));
+            break;
         case kHang:
             std::puts("hanging");
             std::fflush(stdout);
@@ -65,50 +56,43 @@ bool Serve(std::vector<unsigned char>& request, std::vector<unsigned char>& resp
         case kGiveHandle: {
             unsigned int given = NK_INVALID_HANDLE;
             KnHandleCreatePair(&g_keptEnd, &given);
-            out->sizeFlags = nk_size_word(40, 1);
-            nk_handle_desc* desc = nk_message_handle_desc(out, 0);
-            std::memset(desc, 0, sizeof(*desc));
-            nk_handle_desc_set(desc, given);
+            header->sizeFlags = nk_size_word(40, 1);
+            std::memset(nk_message_handle_desc(header, 0), 0, sizeof(nk_handle_desc));
+            nk_handle_desc_set(nk_message_handle_desc(header, 0), given);
             responseArena.cursor = responseArena.start;
-            return true;
+            break;
         }
-        case kRaise: {
-            const int rc = KnNoticeSetObjectEvent(g_keptEnd, FieldAt24(request));
-            std::memcpy(response.data() + NK_MESSAGE_HEADER_SIZE, &rc, sizeof(rc));
-            return true;
-        }
+        case kRaise:
+            rc = KnNoticeSetObjectEvent(g_keptEnd, field);
+            break;
         case kCloseKept:
             KnHandleClose(g_keptEnd);
-            g_keptEnd = NK_INVALID_HANDLE;
-            return true;
+            break;
         case kUseHandle: {
             const unsigned int passed = nk_handle_desc_get(nk_message_handle_desc(in, 0));
-            const int rc = KnNoticeSetObjectEvent(passed, 0x10000);
+            rc = KnNoticeSetObjectEvent(passed, 0x10000);
             KnHandleClose(passed);
-            out->sizeFlags = nk_size_word(32, 0);
-            std::memcpy(response.data() + NK_MESSAGE_HEADER_SIZE, &rc, sizeof(rc));
-            return true;
+            header->sizeFlags = nk_size_word(32, 0);
+            break;
         }
         case kFail:
-            out->sizeFlags = NK_SERVER_FAILURE_WORD;
-            return true;
-        case kQuit:
-            return false;
+            header->sizeFlags = NK_SERVER_FAILURE_WORD;
+            return;
         default:
-            return true;
+            return;
+    }
+    if (in->mid == kRaise || in->mid == kUseHandle) {
+        std::memcpy(out + NK_MESSAGE_HEADER_SIZE, &rc, sizeof(rc));
     }
 }
 
 int RunServer(const char* name) {
-    if (SetTree() != 0 || HosTaskConnectToService(HosTaskGetSelf(), HosTaskGetSelf(), name) != 0) {
-        std::fprintf(stderr, "peer: cannot set up the task\n");
-        return 2;
-    }
     unsigned int id = 0;
-    const unsigned int handle = ServiceLocatorRegister(name, 0, 0, &id);
+    const bool taskReady = SetTree() == 0 && HosTaskConnectToService(HosTaskGetSelf(), HosTaskGetSelf(), name) == 0;
+    const unsigned int handle = taskReady ? ServiceLocatorRegister(name, 0, 0, &id) : NK_INVALID_HANDLE;
     if (handle == NK_INVALID_HANDLE) {
-        std::fprintf(stderr, "peer: cannot register %s\n", name);
-        return 3;
+        std::fprintf(stderr, "peer: cannot set up the task or register %s\n", name);
+        return 2;
     }
     NkHosTransport transport;
     NkHosTransport_Init(&transport, handle, 0, 0);
@@ -122,15 +106,9 @@ int RunServer(const char* name) {
         in->sizeFlags = nk_size_word(kRequestRoom, kRequestHandleRoom);
         nk_arena requestArena{requestBytes.data(), requestBytes.data(), requestBytes.data() + kArenaRoom};
         nk_arena responseArena{responseBytes.data(), responseBytes.data(), responseBytes.data() + kArenaRoom};
-        const int rc = transport.ops->receive(&transport, in, &requestArena);
-        if (rc != 0) {
-            continue;
-        }
-        const bool goOn = Serve(request, response, requestArena, responseArena);
-        transport.ops->reply(&transport, reinterpret_cast<nk_message*>(response.data()), &responseArena);
-        if (!goOn) {
-            KnHandleClose(handle);
-            return 0;
+        if (transport.ops->receive(&transport, in, &requestArena) == 0) {
+            Serve(in, requestArena, response.data(), responseArena);
+            transport.ops->reply(&transport, reinterpret_cast<nk_message*>(response.data()), &responseArena);
         }
     }
 }

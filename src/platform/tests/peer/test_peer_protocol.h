@@ -25,7 +25,6 @@ enum Method : uint16_t {
     kCloseKept = 6,   // closes the kept end
     kUseHandle = 7,   // raises 0x10000 on the passed handle; u32 result at offset 24
     kFail = 8,        // answers with the server-failure word
-    kQuit = 9,        // answers, then exits
     kWrongIid = 10,   // answers with iid + 1
 };
 

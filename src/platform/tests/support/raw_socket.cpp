@@ -58,36 +58,4 @@ std::optional<std::vector<unsigned char>> RawSocket::Receive(std::chrono::millis
     return buffer;
 }
 
-std::vector<unsigned char> MakePacket(uint16_t kind, uint32_t sizeWord, uint32_t arenaSize, uint32_t sequence,
-                                      const std::vector<unsigned char>& tail) {
-    // Sized once up front: growing a 24-byte vector by insert trips a false -Warray-bounds in gcc 12.
-    std::vector<unsigned char> packet(24 + tail.size(), 0);
-    const uint16_t iid = 1;
-    const uint16_t version = 1;
-    std::memcpy(packet.data() + 0, &iid, 2);
-    std::memcpy(packet.data() + 4, &sizeWord, 4);
-    std::memcpy(packet.data() + 8, &kind, 2);
-    std::memcpy(packet.data() + 10, &version, 2);
-    std::memcpy(packet.data() + 12, &arenaSize, 4);
-    std::memcpy(packet.data() + 16, &sequence, 4);
-    std::copy(tail.begin(), tail.end(), packet.begin() + 24);
-    return packet;
-}
-
-int ResultOf(const std::vector<unsigned char>& packet) {
-    int result = 0;
-    if (packet.size() >= 24) {
-        std::memcpy(&result, packet.data() + 20, 4);
-    }
-    return result;
-}
-
-uint16_t KindOf(const std::vector<unsigned char>& packet) {
-    uint16_t kind = 0;
-    if (packet.size() >= 24) {
-        std::memcpy(&kind, packet.data() + 8, 2);
-    }
-    return kind;
-}
-
 }  // namespace hos::platform::testing

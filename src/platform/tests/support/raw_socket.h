@@ -25,12 +25,4 @@ private:
     int m_fd = -1;
 };
 
-// A packet of a frame header (kind, sequence) with the given size word and arena size, followed
-// by `tail`.
-std::vector<unsigned char> MakePacket(uint16_t kind, uint32_t sizeWord, uint32_t arenaSize, uint32_t sequence,
-                                      const std::vector<unsigned char>& tail);
-// The result field (offset 20) and kind (offset 8) of a received frame.
-int ResultOf(const std::vector<unsigned char>& packet);
-uint16_t KindOf(const std::vector<unsigned char>& packet);
-
 }  // namespace hos::platform::testing

@@ -1,7 +1,5 @@
 #include "support/scoped_runtime_directory.h"
 
-#include <sys/stat.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -11,13 +9,12 @@ namespace hos::platform::testing {
 ScopedRuntimeDirectory::ScopedRuntimeDirectory() {
     const char* previous = std::getenv("HL_RUNTIME_DIR");
     m_hadPrevious = previous != nullptr;
-    std::string base = m_hadPrevious ? previous : "/tmp";
-    std::filesystem::create_directories(base);
-    std::string pattern = base + "/hlp-XXXXXX";
+    m_previous = m_hadPrevious ? previous : "/tmp";
+    std::filesystem::create_directories(m_previous);
+    std::string pattern = m_previous + "/hlp-XXXXXX";
     if (::mkdtemp(pattern.data()) == nullptr) {
-        throw std::runtime_error("mkdtemp failed under " + base);
+        throw std::runtime_error("mkdtemp failed under " + m_previous);
     }
-    m_previous = m_hadPrevious ? previous : "";
     m_path = pattern;
     ::setenv("HL_RUNTIME_DIR", m_path.c_str(), 1);
 }

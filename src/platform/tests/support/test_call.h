@@ -15,11 +15,9 @@ struct TestRequest {
     std::vector<unsigned char> fields;  // bytes after the header and descriptors
     std::vector<unsigned int> handles;  // handles to pass, one descriptor each
     std::vector<unsigned char> arena;   // bytes of the request arena
-    uint32_t responseRoom = 1024;       // size word of the response on entry
-    uint32_t responseHandleRoom = 4;
-    size_t responseArenaRoom = 4096;
 };
 
+// The response room is 1024 message bytes, 4 handles and 4096 arena bytes.
 struct TestResponse {
     int rc = 0;
     std::vector<unsigned char> message;  // the response buffer (its room)
