@@ -4,7 +4,8 @@
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
 
-#include "support/server_process.h"
+#include "support/peer_process.h"
+#include "support/scoped_runtime_directory.h"
 
 #include <benchmark/benchmark.h>
 
@@ -16,9 +17,9 @@ namespace {
 using hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog;
 
 void BM_PingRoundTrip(benchmark::State& state) {
-    ipc_runtime_test::ScopedRuntimeDirectory directory;
+    hos::platform::testing::ScopedRuntimeDirectory directory;
     auto server =
-        ipc_runtime_test::ServerProcess::Start(HL_IPC_WATCHDOG_SERVER, "hl.app_manager.BenchManager");
+        hos::platform::testing::PeerProcess::Start({HL_IPC_WATCHDOG_SERVER, "hl.app_manager.BenchManager"});
     if (!server) {
         state.SkipWithError("the watchdog server didn't come up");
         return;

@@ -1,27 +1,28 @@
 # The ApplicationWatchdog server process, and the tests and benchmark that talk to it across processes.
+# They start it with the platform's test support (runtime directory and peer process).
 hl_add_executable(hl_ipc_runtime_watchdog_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/watchdog_server.cpp"
   DEPS hl_ipc_runtime)
 
+set(_hl_platform_test_support
+  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
+  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
+
 hl_add_test(hl_ipc_runtime_integration_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/integration/watchdog_across_processes_test.cpp"
-          "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/server_process.cpp"
+          ${_hl_platform_test_support}
   DEPS hl_ipc_runtime
   LABELS integration)
-if(TARGET hl_ipc_runtime_integration_tests)
-  target_include_directories(hl_ipc_runtime_integration_tests PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
-  target_compile_definitions(hl_ipc_runtime_integration_tests PRIVATE
-    HL_IPC_WATCHDOG_SERVER="$<TARGET_FILE:hl_ipc_runtime_watchdog_server>")
-  add_dependencies(hl_ipc_runtime_integration_tests hl_ipc_runtime_watchdog_server)
-endif()
 
 hl_add_benchmark(hl_ipc_runtime_ping_benchmark
-  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/bench/ping_benchmark.cpp"
-          "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/server_process.cpp"
+  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/bench/ping_benchmark.cpp" ${_hl_platform_test_support}
   DEPS hl_ipc_runtime)
-if(TARGET hl_ipc_runtime_ping_benchmark)
-  target_include_directories(hl_ipc_runtime_ping_benchmark PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
-  target_compile_definitions(hl_ipc_runtime_ping_benchmark PRIVATE
-    HL_IPC_WATCHDOG_SERVER="$<TARGET_FILE:hl_ipc_runtime_watchdog_server>")
-  add_dependencies(hl_ipc_runtime_ping_benchmark hl_ipc_runtime_watchdog_server)
-endif()
+
+foreach(_target hl_ipc_runtime_integration_tests hl_ipc_runtime_ping_benchmark)
+  if(TARGET ${_target})
+    target_include_directories(${_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
+    target_compile_definitions(${_target} PRIVATE
+      HL_IPC_WATCHDOG_SERVER="$<TARGET_FILE:hl_ipc_runtime_watchdog_server>")
+    add_dependencies(${_target} hl_ipc_runtime_watchdog_server)
+  endif()
+endforeach()

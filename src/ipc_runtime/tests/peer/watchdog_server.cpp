@@ -40,14 +40,12 @@ int Serve(const char* serverName) {
                                                  "applicationWatchdog",
                                                  "hl.app_manager.ApplicationWatchdog"}};
     const HosComponentTree tree{"hl.app_manager.TestManager", endpoints, 1, nullptr, 0};
-    if (HosTaskSetComponentTree(HosTaskGetSelf(), &tree) != 0) {
-        std::fprintf(stderr, "watchdog server: component tree refused\n");
-        return 1;
-    }
     unsigned int registration = 0;
-    const unsigned int server = ServiceLocatorRegister(serverName, nullptr, 0, &registration);
+    const unsigned int server = HosTaskSetComponentTree(HosTaskGetSelf(), &tree) == 0
+                                    ? ServiceLocatorRegister(serverName, nullptr, 0, &registration)
+                                    : NK_INVALID_HANDLE;
     if (server == NK_INVALID_HANDLE) {
-        std::fprintf(stderr, "watchdog server: can't register %s\n", serverName);
+        std::fprintf(stderr, "watchdog server: can't set up %s\n", serverName);
         return 1;
     }
     NkHosTransport transport{};
@@ -70,9 +68,7 @@ int Serve(const char* serverName) {
     for (;;) {
         request->sizeFlags = nk_size_word(kMessageRoom, 0);
         nk_arena requestArena{arenaBytes.data(), arenaBytes.data(), arenaBytes.data() + arenaBytes.size()};
-        const int received = transport.ops->receive(&transport, request, &requestArena);
-        if (received != 0) {
-            std::fprintf(stderr, "watchdog server: receive failed: %s\n", NkResultText(received));
+        if (transport.ops->receive(&transport, request, &requestArena) != 0) {
             continue;
         }
         // What a request of an unknown method gets back: a bare header.
@@ -82,10 +78,7 @@ int Serve(const char* serverName) {
         response->sizeFlags = nk_size_word(NK_MESSAGE_HEADER_SIZE, 0);
         nk_arena responseArena{nullptr, nullptr, nullptr};
         stub.DispatchRequest(kRiid, request, &requestArena, response, &responseArena);
-        const int replied = transport.ops->reply(&transport, response, &responseArena);
-        if (replied != 0) {
-            std::fprintf(stderr, "watchdog server: reply failed: %s\n", NkResultText(replied));
-        }
+        transport.ops->reply(&transport, response, &responseArena);
     }
 }
 

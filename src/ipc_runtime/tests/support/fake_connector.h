@@ -14,19 +14,15 @@ public:
 
     std::int32_t Connect(hosipc_detail::api_v1::EndpointHandle& endpoint,
                          const hosipc_detail::api_v1::SharedResourceProvider&) const override {
-        ++m_connects;
         if (m_result == 0) {
             endpoint.Adopt(hosipc_detail::api_v1::EndpointHandle::kInvalidHandle, m_riid);
         }
         return m_result;
     }
 
-    int Connects() const { return m_connects; }
-
 private:
     std::int32_t m_result;
     std::uint16_t m_riid;
-    mutable int m_connects = 0;
 };
 
 }  // namespace ipc_runtime_test
