@@ -16,11 +16,7 @@ Item {
     Component { id: windowComponent; UiKitBase.CommonWindow {} }
     Component {
         id: outlinedComponent
-        Rectangle {
-            width: 50; height: 20; radius: 4
-            property alias outline: outline
-            UiKitBase.Outline { id: outline }
-        }
+        Rectangle { width: 50; height: 20; radius: 4; property alias outline: outline; UiKitBase.Outline { id: outline } }
     }
 
     TestCase {
@@ -35,59 +31,37 @@ Item {
             return [
                 { tag: "Normal", normal: "#9C9CFF", hover: "#8C8CFF", pressed: "#9C9CFF", content: "white" },
                 { tag: "Light", normal: "#9C9CFF", hover: "#8C8CFF", pressed: "#9C9CFF", content: "#9C9CFF" },
-                { tag: "Alternative", normal: "#9C9CFF", hover: "#8C8CFF", pressed: "#9C9CFF", content: "white" },
                 { tag: "Transparent", normal: "transparent", hover: "#1FFFFFFF", pressed: "#29FFFFFF", content: "white" },
                 { tag: "SystemWarning", normal: "#29F3BD3D", hover: "#8C8CFF", pressed: "#9C9CFF", content: "#F3BD3D" },
             ]
         }
 
         function test_pushButtonStates(data) {
-            const button = createTemporaryObject(buttonComponent, scene, { state: data.tag })
+            const button = createTemporaryObject(buttonComponent, scene, { state: data.tag, hintText: "hint" })
             compare(button.pal, null)
             colorIs(button.normalColor, data.normal, "normalColor")
             colorIs(button.hoverColor, data.hover, "hoverColor")
             colorIs(button.pressedColor, data.pressed, "pressedColor")
-            colorIs(button.contentColor, data.content, "contentColor")
-            colorIs(button.disabledColor, "black", "disabledColor")
-        }
-
-        function test_pushButtonDisabledAndHint() {
-            const button = createTemporaryObject(buttonComponent, scene, { hintText: "hint" })
-            const loader = findChild(button, "hintLoader")
-            tryVerify(() => loader.item !== null)
-            colorIs(loader.item.color, "#AFB5BC", "hint")
+            colorIs(findChild(button, "caption").color, data.content, "caption")
+            tryVerify(() => findChild(button, "hintLoader").item !== null)
+            colorIs(findChild(button, "hintLoader").item.color, "#AFB5BC", "hint")
             button.enabled = false
-            colorIs(findChild(button, "background").color, "black", "background")
-            colorIs(findChild(button, "caption").color, "gray", "caption")
+            colorIs(findChild(button, "background").color, "black", "disabled background")
+            colorIs(findChild(button, "caption").color, "gray", "disabled caption")
         }
 
-        function test_texts() {
+        function test_otherControls() {
             colorIs(createTemporaryObject(labelComponent, scene).color, "white", "TextLabel")
-            const prompt = createTemporaryObject(promptComponent, scene)
-            colorIs(prompt.color, "#85FFFFFF", "TextPromt")
-            compare(prompt.font.pixelSize, 14)
-            compare(prompt.font.family, "Halcyra Sans Text")
-        }
-
-        function test_outline() {
-            const owner = createTemporaryObject(outlinedComponent, scene)
-            colorIs(owner.outline.border.color, "white", "Outline")
-            compare(owner.outline.radius, 8)
-        }
-
-        function test_closeButton() {
-            const close = createTemporaryObject(closeComponent, scene)
-            const background = findChild(close, "background")
-            colorIs(background.color, "#14FFFFFF", "rest")
-            close.button.forceActiveFocus()
-            colorIs(background.color, "#29FFFFFF", "focused")
-        }
-
-        function test_toastAndWindow() {
+            colorIs(createTemporaryObject(promptComponent, scene).color, "#85FFFFFF", "TextPromt")
+            colorIs(createTemporaryObject(outlinedComponent, scene).outline.border.color, "white", "Outline")
             colorIs(findChild(createTemporaryObject(toastComponent, scene), "bubble").color, "#171F1D", "Toast")
             const frame = createTemporaryObject(windowComponent, scene)
             colorIs(findChild(frame, "background").color, "#D6212529", "CommonWindow")
             colorIs(findChild(frame, "menuBackground").color, "black", "CommonWindow menu")
+            const close = createTemporaryObject(closeComponent, scene)
+            colorIs(findChild(close, "background").color, "#14FFFFFF", "CloseButton at rest")
+            close.button.forceActiveFocus()
+            colorIs(findChild(close, "background").color, "#29FFFFFF", "CloseButton focused")
         }
     }
 }
