@@ -4,13 +4,6 @@ include("${CMAKE_SOURCE_DIR}/tools/ui-kit-gallery/gallery_core.cmake")
 hl_add_ui_kit_gallery_core()
 hl_add_test(hl_ui_kit_visual_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/visual/control_visual_test.cpp"
-          "${CMAKE_CURRENT_SOURCE_DIR}/tests/visual/image_comparison.cpp"
   DEPS hl_ui_kit_gallery_core Qt6::Test
   LABELS visual)
 
-# Both programs that draw controls in windows carry the suppressions of Qt's own leaks.
-foreach(target IN ITEMS hl_ui_kit_tests hl_ui_kit_visual_tests)
-  if(TARGET ${target})
-    target_sources(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests/qt_leak_suppressions.cpp")
-  endif()
-endforeach()
