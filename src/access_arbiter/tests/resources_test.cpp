@@ -1,124 +1,65 @@
-#include "support/qm_catalogue.h"
-
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QResource>
+#include <QTranslator>
+#include <QXmlStreamReader>
 
-#include <map>
 #include <set>
-#include <string>
 
 namespace {
 
-using access_arbiter::testing::ParseQmCatalogue;
-using access_arbiter::testing::QmCatalogue;
+using Messages = std::set<std::pair<QString, QString>>;  // (context, source)
 
-const QString kDocument = QStringLiteral(":/qml/access_arbiter_view");
-
-QByteArray ReadResource(const QString& path) {
+QString ReadAll(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    return file.readAll();
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-// The message keys the document asks for, all in the context "access_arbiter_view".
-std::set<QByteArray> DocumentKeys() {
-    const QString document = QString::fromUtf8(ReadResource(kDocument));
+// The messages the embedded document asks for.
+Messages DocumentMessages() {
     static const QRegularExpression call(QStringLiteral(R"re(qsTranslate\(\s*"([^"]*)"\s*,\s*"([^"]*)"\s*\))re"));
-    std::set<QByteArray> keys;
-    for (auto it = call.globalMatch(document); it.hasNext();) {
+    Messages messages;
+    for (auto it = call.globalMatch(ReadAll(QStringLiteral(":/qml/access_arbiter_view"))); it.hasNext();) {
         const auto match = it.next();
-        EXPECT_EQ(match.captured(1), QStringLiteral("access_arbiter_view"));
-        keys.insert(match.captured(2).toUtf8());
+        messages.emplace(match.captured(1), match.captured(2));
     }
-    return keys;
+    return messages;
 }
 
-QmCatalogue LoadCatalogue(const char* language) {
-    const auto data = ReadResource(QStringLiteral(":/translations/access_arbiter_%1.qm").arg(QLatin1String(language)));
-    const auto catalogue = ParseQmCatalogue(data);
-    EXPECT_TRUE(catalogue.has_value()) << language;
-    return catalogue.value_or(QmCatalogue{});
-}
-
-// The resource trees register themselves before main: nothing in this test initialises them.
-TEST(Resources, DocumentIsEmbeddedCompressedUnderItsAliasWithoutExtension) {
-    QResource resource(kDocument);
-    ASSERT_TRUE(resource.isValid());
-    EXPECT_EQ(resource.compressionAlgorithm(), QResource::ZlibCompression);
-    EXPECT_TRUE(ReadResource(kDocument).startsWith("import QtQuick\n"));
-    EXPECT_EQ(QDir(QStringLiteral(":/qml")).entryList(), QStringList{QStringLiteral("access_arbiter_view")});
-}
-
-TEST(Resources, FourCataloguesAreStoredUncompressed) {
-    const QStringList expected = {"access_arbiter_en.qm", "access_arbiter_es.qm", "access_arbiter_pt.qm",
-                                  "access_arbiter_ru.qm"};
-    EXPECT_EQ(QDir(QStringLiteral(":/translations")).entryList(QDir::Files, QDir::Name), expected);
-    for (const auto& name : expected) {
-        QResource resource(QStringLiteral(":/translations/") + name);
-        ASSERT_TRUE(resource.isValid()) << name.toStdString();
-        EXPECT_EQ(resource.compressionAlgorithm(), QResource::NoCompression) << name.toStdString();
-    }
-}
-
-TEST(Catalogues, DocumentAsksForTheFourKeys) {
-    EXPECT_EQ(DocumentKeys(), (std::set<QByteArray>{"$Title$", "$Description$", "$Decline$", "$Approve$"}));
-}
-
-TEST(Catalogues, EachCatalogueHasExactlyTheDocumentKeysInItsContext) {
-    const auto keys = DocumentKeys();
-    for (const char* language : {"en", "es", "pt", "ru"}) {
-        const auto catalogue = LoadCatalogue(language);
-        std::set<QByteArray> sources;
-        for (const auto& message : catalogue.messages) {
-            EXPECT_EQ(message.context, QByteArray("access_arbiter_view")) << language;
-            EXPECT_FALSE(message.translation.isEmpty()) << language << " " << message.source.constData();
-            sources.insert(message.source);
+// The messages of a catalogue's source, each with a finished, non-empty translation.
+Messages CatalogueMessages(const QString& language) {
+    QXmlStreamReader xml(ReadAll(QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/ui/translations/access_arbiter_%1.ts")
+                                     .arg(language)));
+    Messages messages;
+    QString context, source;
+    while (xml.readNext() != QXmlStreamReader::Invalid && !xml.atEnd()) {
+        if (xml.isStartElement() && xml.name() == QLatin1String("name")) {
+            context = xml.readElementText();
+        } else if (xml.isStartElement() && xml.name() == QLatin1String("source")) {
+            source = xml.readElementText();
+        } else if (xml.isStartElement() && xml.name() == QLatin1String("translation")) {
+            EXPECT_TRUE(xml.attributes().value(QLatin1String("type")).isEmpty()) << source.toStdString();
+            EXPECT_FALSE(xml.readElementText().isEmpty()) << source.toStdString();
+            messages.emplace(context, source);
         }
-        EXPECT_EQ(catalogue.messages.size(), keys.size()) << language;
-        EXPECT_EQ(sources, keys) << language;
     }
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
+    return messages;
 }
 
-TEST(Catalogues, EachCatalogueCarriesItsOwnLanguageTag) {
-    const std::map<std::string, QByteArray> tags = {
-        {"en", "en_US"}, {"es", "es_MX"}, {"pt", "pt_BR"}, {"ru", "ru_RU"}};
-    for (const auto& [language, tag] : tags) {
-        EXPECT_EQ(LoadCatalogue(language.c_str()).language, tag) << language;
+TEST(Catalogues, EachCatalogueTranslatesExactlyTheMessagesOfTheDocument) {
+    const Messages document = DocumentMessages();
+    EXPECT_EQ(document.size(), 4U);
+    for (const char* language : {"en", "es", "pt", "ru"}) {
+        SCOPED_TRACE(language);
+        EXPECT_EQ(CatalogueMessages(QLatin1String(language)), document);
+        QTranslator embedded;
+        ASSERT_TRUE(embedded.load(QStringLiteral(":/translations/access_arbiter_%1.qm").arg(QLatin1String(language))));
+        for (const auto& [context, source] : document) {
+            EXPECT_FALSE(embedded.translate(context.toUtf8(), source.toUtf8()).isEmpty()) << source.toStdString();
+        }
     }
-}
-
-std::map<QByteArray, QString> Texts(const char* language) {
-    std::map<QByteArray, QString> texts;
-    for (const auto& message : LoadCatalogue(language).messages) {
-        texts[message.source] = message.translation;
-    }
-    return texts;
-}
-
-TEST(Catalogues, SpanishAndPortugueseHoldTheEnglishTexts) {
-    const auto english = Texts("en");
-    EXPECT_EQ(english.at("$Title$"), QStringLiteral("Connection request"));
-    EXPECT_EQ(english.at("$Description$"), QStringLiteral("A user requests access to manage your device"));
-    EXPECT_EQ(english.at("$Decline$"), QStringLiteral("Decline"));
-    EXPECT_EQ(english.at("$Approve$"), QStringLiteral("Approve"));
-    EXPECT_EQ(Texts("es"), english);
-    EXPECT_EQ(Texts("pt"), english);
-}
-
-TEST(Catalogues, RussianHoldsTheRussianTexts) {
-    const auto russian = Texts("ru");
-    EXPECT_EQ(russian.at("$Title$"), QStringLiteral("Запрос на подключение"));
-    EXPECT_EQ(russian.at("$Description$"),
-              QStringLiteral("Пользователь запрашивает доступ на управление вашим устройством"));
-    EXPECT_EQ(russian.at("$Decline$"), QStringLiteral("Запретить"));
-    EXPECT_EQ(russian.at("$Approve$"), QStringLiteral("Разрешить"));
 }
 
 }  // namespace
