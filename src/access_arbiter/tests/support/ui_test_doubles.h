@@ -1,14 +1,9 @@
 #pragma once
 
 #include <access_arbiter/interactors/i_user_decision_setter.h>
-#include <access_arbiter/ui/view/i_access_arbiter_view.h>
 
-#include <diagnostics/process_exception.h>
-
-#include <gmock/gmock.h>
-
+#include <cstdint>
 #include <functional>
-#include <string>
 #include <vector>
 
 namespace access_arbiter::testing {
@@ -28,23 +23,5 @@ public:
     std::function<void()> onSet;
     std::int32_t result = 0;
 };
-
-class MockView : public ui::IAccessArbiterView {
-public:
-    MOCK_METHOD(std::unique_ptr<common::utils::ICallableGuard>, GetGuardView, (), (const, override));
-    MOCK_METHOD(void, Hide, (), (noexcept, override));
-    MOCK_METHOD(void, Show, (), (noexcept, override));
-};
-
-// The text ProcessException gives for whatever `action` throws; empty when nothing is thrown.
-template <typename F>
-std::string FailureText(F&& action) {
-    try {
-        action();
-    } catch (...) {
-        return fdn::utils::ProcessException().second;
-    }
-    return {};
-}
 
 }  // namespace access_arbiter::testing
