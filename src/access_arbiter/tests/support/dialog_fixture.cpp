@@ -3,52 +3,28 @@
 #include <QTest>
 
 namespace access_arbiter::testing {
-namespace {
 
-void Collect(QQuickItem* item, const QByteArray& prefix, std::vector<QQuickItem*>& found) {
-    for (QQuickItem* child : item->childItems()) {
+std::vector<QQuickItem*> FindItemsOfType(QQuickItem* item, const char* typeName) {
+    std::vector<QQuickItem*> found;
+    const QByteArray prefix(typeName);
+    for (QQuickItem* child : item != nullptr ? item->childItems() : QList<QQuickItem*>()) {
         const QByteArray className(child->metaObject()->className());
         // QML-defined types are named "<Type>_QMLTYPE_<n>" (or just "<Type>").
         if (className == prefix || className.startsWith(prefix + "_QML")) {
             found.push_back(child);
         }
-        Collect(child, prefix, found);
-    }
-}
-
-}  // namespace
-
-std::vector<QQuickItem*> FindItemsOfType(QQuickItem* item, const char* typeName) {
-    std::vector<QQuickItem*> found;
-    if (item != nullptr) {
-        Collect(item, QByteArray(typeName), found);
+        const auto below = FindItemsOfType(child, typeName);
+        found.insert(found.end(), below.begin(), below.end());
     }
     return found;
 }
 
 QQuickWindow* DialogWindow(QQmlApplicationEngine& engine) {
-    const auto roots = engine.rootObjects();
-    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
+    return qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
 }
 
 QQuickItem* DialogRectangle(QQuickWindow& window) {
-    const auto children = window.contentItem()->childItems();
-    return children.isEmpty() ? nullptr : children.first();
-}
-
-std::vector<QString> DialogTexts(QQuickWindow& window) {
-    std::vector<QString> texts;
-    auto* rect = DialogRectangle(window);
-    for (auto* label : FindItemsOfType(rect, "TextLabel")) {
-        // Button captions are TextLabels too; the first two labels are the title and description.
-        if (texts.size() < 2) {
-            texts.push_back(label->property("text").toString());
-        }
-    }
-    for (auto* button : FindItemsOfType(rect, "PushButton")) {
-        texts.push_back(button->property("text").toString());
-    }
-    return texts;
+    return window.contentItem()->childItems().value(0);
 }
 
 void ClickItem(QQuickWindow& window, QQuickItem& item) {

@@ -1,16 +1,9 @@
 #pragma once
 
-#include <access_arbiter/ui/window/i_window.h>
-
-#include "support/ui_test_doubles.h"
-
-#include <QColor>
-#include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 
-#include <memory>
 #include <vector>
 
 namespace access_arbiter::testing {
@@ -23,9 +16,6 @@ QQuickWindow* DialogWindow(QQmlApplicationEngine& engine);
 
 // The dialog's rounded rectangle (the content item's first child).
 QQuickItem* DialogRectangle(QQuickWindow& window);
-
-// Texts of the title, the description and the two buttons, in that order.
-std::vector<QString> DialogTexts(QQuickWindow& window);
 
 // Clicks the centre of `item` with a real mouse press and release on its window.
 void ClickItem(QQuickWindow& window, QQuickItem& item);
