@@ -88,6 +88,8 @@ TEST(GetResultCode, TakesHcaResultThenOsResultThenModuleResultWhenNameTagAndValu
   auto& properties = e.Context()->properties;
   properties.Set("os.module_result", 0, 7, static_cast<unsigned char>(1));
   EXPECT_EQ(hca::get_result_code(e), kUnspecifiedPlatformError);
+  properties.Set("os.result", 0, 0x14, 22u);  // wrong tag
+  EXPECT_EQ(hca::get_result_code(e), kUnspecifiedPlatformError);
   properties.Set("os.result", 0, 0x15, 22u);
   EXPECT_EQ(hca::get_result_code(e), kInvalidArgument);
   properties.Set("hca.result", 0x2B193A6F, 0x15, static_cast<int>(kNotFound));  // wrong tag

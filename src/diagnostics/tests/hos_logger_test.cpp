@@ -53,7 +53,6 @@ TEST(HlLog, DisabledLevelRendersNoArgumentsAndOffIsNeverEnabled) {
   EXPECT_EQ(rendered, 0);
   HL_LOG(LogLevel::Warning, "value {}", render());
   EXPECT_EQ(rendered, 1);
-  EXPECT_EQ(capture.Records().size(), 1u);
   EXPECT_EQ(capture.Count(LogLevel::Warning), 1u);
 }
 
