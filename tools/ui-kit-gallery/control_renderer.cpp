@@ -43,8 +43,7 @@ public:
 
 private:
     static void Handle(QtMsgType type, const QMessageLogContext&, const QString& message) {
-        if (type == QtDebugMsg || type == QtInfoMsg)
-            return;
+        if (type == QtDebugMsg || type == QtInfoMsg) return;
         std::lock_guard lock(s_mutex);
         s_messages.append(message);
     }
@@ -61,8 +60,8 @@ bool IsLoading(QQuickItem* root) {
         QQuickItem* item = pending.back();
         pending.pop_back();
         // Loader.Loading and Image.Loading are both 2.
-        if ((item->inherits("QQuickLoader") || item->inherits("QQuickImageBase"))
-            && item->property("status").toInt() == 2)
+        if ((item->inherits("QQuickLoader") || item->inherits("QQuickImageBase")) &&
+            item->property("status").toInt() == 2)
             return true;
         const auto children = item->childItems();
         pending.insert(pending.end(), children.begin(), children.end());
@@ -90,8 +89,7 @@ ControlRenderer::ControlRenderer(std::shared_ptr<PaletteSwitch> paletteSwitch)
 QStringList ControlRenderer::SpecimenNames() {
     QStringList names;
     const QStringList files = QDir(kSpecimenDir).entryList({"*.qml"}, QDir::Files, QDir::Name);
-    for (const QString& file : files)
-        names.append(file.chopped(4));
+    for (const QString& file : files) names.append(file.chopped(4));
     return names;
 }
 
@@ -121,7 +119,8 @@ QImage ControlRenderer::Render(const QString& specimen, utils::style::PaletteId 
         window.show();
         Settle(kSettleMilliseconds);
         // A busy machine may need longer for asynchronous content; wait for it, within reason.
-        for (int waited = 0; IsLoading(window.contentItem()) && waited < kMaxLoadingMilliseconds; waited += 50)
+        for (int waited = 0; IsLoading(window.contentItem()) && waited < kMaxLoadingMilliseconds;
+             waited += 50)
             Settle(50);
         // The specimen may have grown while its content arrived.
         window.resize(qMax(1, qCeil(item->width())), qMax(1, qCeil(item->height())));
@@ -137,8 +136,7 @@ QImage ControlRenderer::Render(const QString& specimen, utils::style::PaletteId 
         *error = QStringLiteral("%1 reported: %2").arg(specimen, reported.join(QStringLiteral("; ")));
         return {};
     }
-    if (image.isNull())
-        *error = QStringLiteral("%1 could not be grabbed").arg(specimen);
+    if (image.isNull()) *error = QStringLiteral("%1 could not be grabbed").arg(specimen);
     return image;
 }
 
@@ -153,10 +151,9 @@ bool ControlRenderer::RenderToDirectory(const QString& directory, const QStringL
     for (const QString& name : names) {
         for (const auto palette : palettes) {
             const QImage image = Render(name, palette, error);
-            if (image.isNull())
-                return false;
-            const QString file =
-                QStringLiteral("%1/%2_%3.png").arg(directory, name, QString::fromLatin1(PaletteName(palette)));
+            if (image.isNull()) return false;
+            const QString file = QStringLiteral("%1/%2_%3.png")
+                                     .arg(directory, name, QString::fromLatin1(PaletteName(palette)));
             if (!image.save(file)) {
                 *error = QStringLiteral("cannot write %1").arg(file);
                 return false;

@@ -29,8 +29,7 @@ using vdi::uikit::utils::style::PaletteId;
 
 bool WantsRender(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--render") == 0 || std::strcmp(argv[i], "--list") == 0)
-            return true;
+        if (std::strcmp(argv[i], "--render") == 0 || std::strcmp(argv[i], "--list") == 0) return true;
     }
     return false;
 }
@@ -39,8 +38,7 @@ bool WantsRender(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     const bool offscreen = WantsRender(argc, argv);
-    if (offscreen)
-        vdi::uikit::gallery::PrepareOffscreenRendering();
+    if (offscreen) vdi::uikit::gallery::PrepareOffscreenRendering();
 
     QGuiApplication app(argc, argv);
     QCoreApplication::setApplicationName("ui-kit-gallery");
@@ -49,7 +47,8 @@ int main(int argc, char** argv) {
     parser.setApplicationDescription("Shows every control of the UI kit in the light or the dark palette.");
     parser.addHelpOption();
     const QCommandLineOption lightOption("light", "Open the gallery in the light palette.");
-    const QCommandLineOption renderOption("render", "Render the controls to PNG files in <dir> and exit.", "dir");
+    const QCommandLineOption renderOption("render", "Render the controls to PNG files in <dir> and exit.",
+                                          "dir");
     const QCommandLineOption onlyOption("only", "Render only these specimens (comma-separated).", "names");
     const QCommandLineOption paletteOption("palette", "Palette to render: light, dark or both (default).",
                                            "palette", "both");
@@ -61,18 +60,15 @@ int main(int argc, char** argv) {
     QTextStream err(stderr);
 
     if (parser.isSet(listOption)) {
-        for (const QString& name : ControlRenderer::SpecimenNames())
-            out << name << '\n';
+        for (const QString& name : ControlRenderer::SpecimenNames()) out << name << '\n';
         return 0;
     }
 
     if (parser.isSet(renderOption)) {
         std::vector<PaletteId> palettes;
         const QString palette = parser.value(paletteOption);
-        if (palette == "light" || palette == "both")
-            palettes.push_back(PaletteId::Light);
-        if (palette == "dark" || palette == "both")
-            palettes.push_back(PaletteId::Dark);
+        if (palette == "light" || palette == "both") palettes.push_back(PaletteId::Light);
+        if (palette == "dark" || palette == "both") palettes.push_back(PaletteId::Dark);
         if (palettes.empty()) {
             err << "ui-kit-gallery: unknown palette '" << palette << "' (light, dark or both)\n";
             return 2;
@@ -84,13 +80,14 @@ int main(int argc, char** argv) {
             err << "ui-kit-gallery: " << error << '\n';
             return 1;
         }
-        out << "ui-kit-gallery: rendered " << (only.isEmpty() ? ControlRenderer::SpecimenNames().size() : only.size())
-            << " specimens into " << parser.value(renderOption) << '\n';
+        out << "ui-kit-gallery: rendered "
+            << (only.isEmpty() ? ControlRenderer::SpecimenNames().size() : only.size()) << " specimens into "
+            << parser.value(renderOption) << '\n';
         return 0;
     }
 
-    auto paletteSwitch = std::make_shared<PaletteSwitch>(parser.isSet(lightOption) ? PaletteId::Light
-                                                                                  : PaletteId::Dark);
+    auto paletteSwitch =
+        std::make_shared<PaletteSwitch>(parser.isSet(lightOption) ? PaletteId::Light : PaletteId::Dark);
     QQmlApplicationEngine engine;
     engine.rootContext()->setContextProperty("paletteProvider", paletteSwitch->Provider());
     engine.rootContext()->setContextProperty("paletteSwitch", paletteSwitch.get());

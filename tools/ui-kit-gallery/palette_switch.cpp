@@ -4,8 +4,7 @@ namespace vdi::uikit::gallery {
 
 using utils::style::PaletteId;
 
-PaletteSwitch::PaletteSwitch(PaletteId initial)
-    : m_interactor(utils::style::CreatePaletteIdInteractor()) {
+PaletteSwitch::PaletteSwitch(PaletteId initial) : m_interactor(utils::style::CreatePaletteIdInteractor()) {
     m_interactor->SetPaletteId(initial);
     m_provider = utils::style::CreatePaletteProvider(utils::style::CreatePaletteFactory(), m_interactor);
 }
@@ -21,8 +20,7 @@ void PaletteSwitch::SetDark(bool dark) {
 void PaletteSwitch::SetPaletteId(PaletteId id) {
     const bool wasDark = IsDark();
     m_interactor->SetPaletteId(id);
-    if (wasDark != IsDark())
-        emit DarkChanged();
+    if (wasDark != IsDark()) emit DarkChanged();
 }
 
 PaletteId PaletteSwitch::CurrentId() const {

@@ -5,6 +5,8 @@ namespace hca {
 CheckFailedException::CheckFailedException(const char* file, std::uint32_t line) noexcept
     : ExceptionBase(file, line) {}
 
-const char* CheckFailedException::what() const noexcept { return "CheckFailedException"; }
+const char* CheckFailedException::what() const noexcept {
+    return "CheckFailedException";
+}
 
 }  // namespace hca

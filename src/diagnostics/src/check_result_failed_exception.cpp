@@ -6,6 +6,8 @@ namespace hca {
                                                                          int code)
     : ExceptionBase(file, line, code, kOwnFrames) {}
 
-const char* CheckResultFailedException::what() const noexcept { return "CheckResultFailedException"; }
+const char* CheckResultFailedException::what() const noexcept {
+    return "CheckResultFailedException";
+}
 
 }  // namespace hca

@@ -9,8 +9,8 @@ namespace hca {
 namespace {
 
 struct CodeText {
-  std::uint32_t code;
-  std::string_view text;
+    std::uint32_t code;
+    std::string_view text;
 };
 
 // Sorted by code, for the binary search below.
@@ -105,78 +105,83 @@ constexpr std::array kPlatformTexts = {
 
 template <std::size_t N>
 constexpr bool IsSorted(const std::array<CodeText, N>& table) {
-  for (std::size_t i = 1; i < N; ++i) {
-    if (table[i - 1].code >= table[i].code) {
-      return false;
+    for (std::size_t i = 1; i < N; ++i) {
+        if (table[i - 1].code >= table[i].code) {
+            return false;
+        }
     }
-  }
-  return true;
+    return true;
 }
 static_assert(IsSorted(kRuntimeTexts));
 static_assert(IsSorted(kPlatformTexts));
 
 template <std::size_t N>
 std::string_view Lookup(const std::array<CodeText, N>& table, int code) {
-  const auto key = static_cast<std::uint32_t>(code);
-  const auto it = std::lower_bound(table.begin(), table.end(), key,
-                                   [](const CodeText& entry, std::uint32_t value) { return entry.code < value; });
-  if (it != table.end() && it->code == key) {
-    return it->text;
-  }
-  return kUnknownResultCodeText;
+    const auto key = static_cast<std::uint32_t>(code);
+    const auto it =
+        std::lower_bound(table.begin(), table.end(), key,
+                         [](const CodeText& entry, std::uint32_t value) { return entry.code < value; });
+    if (it != table.end() && it->code == key) {
+        return it->text;
+    }
+    return kUnknownResultCodeText;
 }
 
 }  // namespace
 
-std::string_view rtl_result_code_message(int code) { return Lookup(kRuntimeTexts, code); }
+std::string_view rtl_result_code_message(int code) {
+    return Lookup(kRuntimeTexts, code);
+}
 
-std::string_view platform_result_code_message(int code) { return Lookup(kPlatformTexts, code); }
+std::string_view platform_result_code_message(int code) {
+    return Lookup(kPlatformTexts, code);
+}
 
 std::string_view result_code_message(int code) {
-  switch (result_code::Facility(code)) {
-    case result_code::kFacilityRuntime:
-      return rtl_result_code_message(code);
-    case result_code::kFacilityPlatform:
-      return platform_result_code_message(code);
-    default:
-      return kUnknownResultCodeText;
-  }
+    switch (result_code::Facility(code)) {
+        case result_code::kFacilityRuntime:
+            return rtl_result_code_message(code);
+        case result_code::kFacilityPlatform:
+            return platform_result_code_message(code);
+        default:
+            return kUnknownResultCodeText;
+    }
 }
 
 namespace posix {
 
 int ResultCodeFromSystemError(unsigned int error) {
-  using namespace result_code;
-  // The platform's own error numbers, which differ from Linux's from ELOOP on.
-  static constexpr std::pair<unsigned int, int> kMapping[] = {
-      {0, kNoError},                 // none
-      {1, kAccessDenied},            // EPERM
-      {2, kFileNotFound},            // ENOENT
-      {5, kMediaError},              // EIO
-      {8, kSystemImageBadFormat},    // ENOEXEC
-      {9, kInvalidHandle},           // EBADF
-      {12, kOutOfMemory},            // ENOMEM
-      {13, kAccessDenied},           // EACCES
-      {16, kLocked},                 // EBUSY
-      {17, kAlreadyExists},          // EEXIST
-      {20, kPathNotFound},           // ENOTDIR
-      {22, kInvalidArgument},        // EINVAL
-      {26, kLocked},                 // ETXTBSY
-      {27, kFileIsTooBig},           // EFBIG
-      {28, kOutOfSpace},             // ENOSPC
-      {62, kInvalidState},           // ELOOP
-      {63, kInvalidSize},            // ENAMETOOLONG
-      {84, kBufferTooSmall},         // EOVERFLOW
-  };
-  for (const auto& [number, code] : kMapping) {
-    if (number == error) {
-      return code;
+    using namespace result_code;
+    // The platform's own error numbers, which differ from Linux's from ELOOP on.
+    static constexpr std::pair<unsigned int, int> kMapping[] = {
+        {0, kNoError},               // none
+        {1, kAccessDenied},          // EPERM
+        {2, kFileNotFound},          // ENOENT
+        {5, kMediaError},            // EIO
+        {8, kSystemImageBadFormat},  // ENOEXEC
+        {9, kInvalidHandle},         // EBADF
+        {12, kOutOfMemory},          // ENOMEM
+        {13, kAccessDenied},         // EACCES
+        {16, kLocked},               // EBUSY
+        {17, kAlreadyExists},        // EEXIST
+        {20, kPathNotFound},         // ENOTDIR
+        {22, kInvalidArgument},      // EINVAL
+        {26, kLocked},               // ETXTBSY
+        {27, kFileIsTooBig},         // EFBIG
+        {28, kOutOfSpace},           // ENOSPC
+        {62, kInvalidState},         // ELOOP
+        {63, kInvalidSize},          // ENAMETOOLONG
+        {84, kBufferTooSmall},       // EOVERFLOW
+    };
+    for (const auto& [number, code] : kMapping) {
+        if (number == error) {
+            return code;
+        }
     }
-  }
-  if (error < 0x10000u) {
-    return static_cast<int>(0x80060000u | error);
-  }
-  return kUnspecifiedPlatformError;
+    if (error < 0x10000u) {
+        return static_cast<int>(0x80060000u | error);
+    }
+    return kUnspecifiedPlatformError;
 }
 
 }  // namespace posix
@@ -185,22 +190,24 @@ int ResultCodeFromSystemError(unsigned int error) {
 namespace hcax {
 
 std::string ResultCodeText(int code) {
-  char number[16];
-  std::snprintf(number, sizeof(number), "%02x", static_cast<unsigned int>(code));
-  std::string_view text = hca::result_code_message(code);
-  if (text.empty()) {
-    text = hca::kUnknownResultCodeText;
-  }
-  std::string result;
-  result.reserve(text.size() + 16);
-  result.append(text).append(" = 0x").append(number);
-  return result;
+    char number[16];
+    std::snprintf(number, sizeof(number), "%02x", static_cast<unsigned int>(code));
+    std::string_view text = hca::result_code_message(code);
+    if (text.empty()) {
+        text = hca::kUnknownResultCodeText;
+    }
+    std::string result;
+    result.reserve(text.size() + 16);
+    result.append(text).append(" = 0x").append(number);
+    return result;
 }
 
 }  // namespace hcax
 
 namespace fdn::hcax {
 
-std::string ResultCodeText(int code) { return ::hcax::ResultCodeText(code); }
+std::string ResultCodeText(int code) {
+    return ::hcax::ResultCodeText(code);
+}
 
 }  // namespace fdn::hcax

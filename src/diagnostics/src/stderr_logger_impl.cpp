@@ -11,62 +11,64 @@ namespace hos::logger {
 namespace {
 
 class StderrLoggerImpl final : public DefaultLoggerImpl {
- public:
-  void Write(const LogRecord& record) override {
-    const std::string line = FormatLogLine(record);
-    const char* data = line.data();
-    std::size_t left = line.size();
-    while (left > 0) {
-      const ssize_t written = ::write(STDERR_FILENO, data, left);
-      if (written < 0 && errno == EINTR) {
-        continue;
-      }
-      if (written <= 0) {
-        return;  // logging never reports failure
-      }
-      data += written;
-      left -= static_cast<std::size_t>(written);
+public:
+    void Write(const LogRecord& record) override {
+        const std::string line = FormatLogLine(record);
+        const char* data = line.data();
+        std::size_t left = line.size();
+        while (left > 0) {
+            const ssize_t written = ::write(STDERR_FILENO, data, left);
+            if (written < 0 && errno == EINTR) {
+                continue;
+            }
+            if (written <= 0) {
+                return;  // logging never reports failure
+            }
+            data += written;
+            left -= static_cast<std::size_t>(written);
+        }
     }
-  }
 };
 
 void AppendEscaped(std::string& out, std::string_view text) {
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '\n') {
-      out += "\\n";
-    } else if (c == '\r') {
-      out += "\\r";
-    } else if (c == '\t') {
-      out += "\\t";
-    } else if (byte < 0x20 || byte == 0x7F) {
-      out += fmt::format("\\x{:02x}", byte);
-    } else {
-      out += c;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '\n') {
+            out += "\\n";
+        } else if (c == '\r') {
+            out += "\\r";
+        } else if (c == '\t') {
+            out += "\\t";
+        } else if (byte < 0x20 || byte == 0x7F) {
+            out += fmt::format("\\x{:02x}", byte);
+        } else {
+            out += c;
+        }
     }
-  }
 }
 
 }  // namespace
 
-std::unique_ptr<DefaultLoggerImpl> CreateStderrLoggerImpl() { return std::make_unique<StderrLoggerImpl>(); }
+std::unique_ptr<DefaultLoggerImpl> CreateStderrLoggerImpl() {
+    return std::make_unique<StderrLoggerImpl>();
+}
 
 std::string FormatLogLine(const LogRecord& record) {
-  const auto sinceEpoch = record.time.time_since_epoch();
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch);
-  const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch - seconds);
-  const std::time_t time = static_cast<std::time_t>(seconds.count());
-  std::tm utc{};
-  ::gmtime_r(&time, &utc);
-  char stamp[32];
-  std::strftime(stamp, sizeof(stamp), "%Y-%m-%dT%H:%M:%S", &utc);
+    const auto sinceEpoch = record.time.time_since_epoch();
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch);
+    const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch - seconds);
+    const std::time_t time = static_cast<std::time_t>(seconds.count());
+    std::tm utc{};
+    ::gmtime_r(&time, &utc);
+    char stamp[32];
+    std::strftime(stamp, sizeof(stamp), "%Y-%m-%dT%H:%M:%S", &utc);
 
-  std::string line = fmt::format("{}.{:06d}Z {:<8} [{}] {} {}:{} {}: ", stamp, micros.count(),
-                                 LogLevelName(record.level), record.tag, record.threadId, record.file,
-                                 record.line, record.function);
-  AppendEscaped(line, record.message);
-  line += '\n';
-  return line;
+    std::string line =
+        fmt::format("{}.{:06d}Z {:<8} [{}] {} {}:{} {}: ", stamp, micros.count(), LogLevelName(record.level),
+                    record.tag, record.threadId, record.file, record.line, record.function);
+    AppendEscaped(line, record.message);
+    line += '\n';
+    return line;
 }
 
 }  // namespace hos::logger

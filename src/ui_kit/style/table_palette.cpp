@@ -37,9 +37,9 @@ QColor TablePalette::At(PaletteColor color) const {
 }
 
 // Every colour getter reads its own entry of the table.
-#define HL_TABLE_PALETTE_COLOR(name)            \
-    QColor TablePalette::name() const {         \
-        return At(PaletteColor::name);          \
+#define HL_TABLE_PALETTE_COLOR(name)    \
+    QColor TablePalette::name() const { \
+        return At(PaletteColor::name);  \
     }
 
 HL_TABLE_PALETTE_COLOR(BackgroundPrimary)

@@ -73,8 +73,8 @@ TEST(MenuModel, EachAddEmitsOneRowsInsertedForTheNewLastRowAlsoFromTheMetaObject
     QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
     for (int i = 0; i < 3; ++i) {
         if (i == 2) {
-            ASSERT_TRUE(QMetaObject::invokeMethod(&model, "AddMenuItem",
-                                                  Q_ARG(std::shared_ptr<vdi::uikit::models::MenuItem>, Item("x", 2))));
+            ASSERT_TRUE(QMetaObject::invokeMethod(
+                &model, "AddMenuItem", Q_ARG(std::shared_ptr<vdi::uikit::models::MenuItem>, Item("x", 2))));
         } else {
             model.AddMenuItem(Item("page", static_cast<std::uint64_t>(i)));
         }

@@ -54,7 +54,8 @@ TEST(PaletteProvider, SignalsOnlyWhenTheIdNamesAnotherKnownPalette) {
     hos::logger::LogCaptureForTesting capture;
     const auto interactor = InteractorWithId(2);
     const auto provider = CreatePaletteProvider(CreatePaletteFactory(), interactor);
-    EXPECT_EQ(CheckFailureText([&] { interactor->RegisterCallback([] {}); }), "callback was already registered!");
+    EXPECT_EQ(CheckFailureText([&] { interactor->RegisterCallback([] {}); }),
+              "callback was already registered!");
     QSignalSpy spy(provider.get(), &PaletteProvider::PaletteChanged);
     IPalette* const dark = provider->Palette();
     ASSERT_NE(dark, nullptr);

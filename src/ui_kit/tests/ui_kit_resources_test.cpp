@@ -23,17 +23,24 @@
 
 namespace {
 
-const QStringList kControls = QStringLiteral(
-    "AltTab AppButton AppButtonTooltip AppMenu AppWindowTooltip AppWindows CheckBox CloseButton ComboBox "
-    "CommonMenu CommonWindow ControlsTooltip DatePicker DnsMultilineText LineEdit Loader ManualScrollingText "
-    "MoreMenu Outline PushButton RadioButton RightClickedMouseArea RoundedRect ScrollHandle ScrollingText "
-    "SlideButton TaskbarTooltip TextEdit TextLabel TextPromt Toast TooltipTextWindow").split(' ');
+const QStringList kControls =
+    QStringLiteral(
+        "AltTab AppButton AppButtonTooltip AppMenu AppWindowTooltip AppWindows CheckBox CloseButton ComboBox "
+        "CommonMenu CommonWindow ControlsTooltip DatePicker DnsMultilineText LineEdit Loader "
+        "ManualScrollingText "
+        "MoreMenu Outline PushButton RadioButton RightClickedMouseArea RoundedRect ScrollHandle "
+        "ScrollingText "
+        "SlideButton TaskbarTooltip TextEdit TextLabel TextPromt Toast TooltipTextWindow")
+        .split(' ');
 
-const QStringList kImages = QStringLiteral(
-    "backbutton/back_icon calendar check_mark_icon_disable check_mark_icon_enable close_icon "
-    "combobox/indicator_icon combobox/magnifier_icon critical_icon error_icon hos_logo left lineedit/reset_text "
-    "loader_big loader_small logo_big logo_hc main_logo_hc main_logo_hc_transparent more_menu right "
-    "settings_gear settings_gear_disabled warning_icon warning_icon_white").split(' ');
+const QStringList kImages =
+    QStringLiteral(
+        "backbutton/back_icon calendar check_mark_icon_disable check_mark_icon_enable close_icon "
+        "combobox/indicator_icon combobox/magnifier_icon critical_icon error_icon hos_logo left "
+        "lineedit/reset_text "
+        "loader_big loader_small logo_big logo_hc main_logo_hc main_logo_hc_transparent more_menu right "
+        "settings_gear settings_gear_disabled warning_icon warning_icon_white")
+        .split(' ');
 
 // Collects every warning and error Qt reports while alive (from any thread: images load on their own).
 class WarningCollector {
@@ -63,7 +70,8 @@ private:
 class UiKitResources : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (QCoreApplication::instance() == nullptr) m_app = std::make_unique<QGuiApplication>(m_argc, m_argv);
+        if (QCoreApplication::instance() == nullptr)
+            m_app = std::make_unique<QGuiApplication>(m_argc, m_argv);
     }
 
     int m_argc = 1;
@@ -147,7 +155,8 @@ TEST_P(UiKitControlLoads, CreatesFromItsResourcePathWithoutWarnings) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QStringList messages = warnings.Messages();
     // The avatar is an image of the client application, which no tree of the kit carries.
-    if (param.control == "AppMenu") messages.removeIf([](const QString& m) { return m.contains("icon-avatar"); });
+    if (param.control == "AppMenu")
+        messages.removeIf([](const QString& m) { return m.contains("icon-avatar"); });
     EXPECT_TRUE(messages.isEmpty()) << messages.join("\n").toStdString();
 }
 
@@ -164,6 +173,7 @@ std::string ControlCaseName(const ::testing::TestParamInfo<ControlCase>& info) {
     return info.param.control.toStdString() + "_" + kPalettes[info.param.paletteId];
 }
 
-INSTANTIATE_TEST_SUITE_P(AllControls, UiKitControlLoads, ::testing::ValuesIn(AllControlCases()), ControlCaseName);
+INSTANTIATE_TEST_SUITE_P(AllControls, UiKitControlLoads, ::testing::ValuesIn(AllControlCases()),
+                         ControlCaseName);
 
 }  // namespace

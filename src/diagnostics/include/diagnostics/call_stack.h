@@ -18,22 +18,23 @@ using vector_t = std::vector<T>;
 }  // namespace types
 
 struct module_information {
-  std::uint64_t base = 0;
-  std::uint64_t size = 0;
-  std::string name;
+    std::uint64_t base = 0;
+    std::uint64_t size = 0;
+    std::string name;
 };
 
 struct call_stack_context {
-  types::vector_t<std::uint64_t> frames;
-  types::vector_t<module_information> modules;
+    types::vector_t<std::uint64_t> frames;
+    types::vector_t<module_information> modules;
 };
 
 // The signature of backtrace(3).
 using BacktraceFunction = int (*)(void** buffer, int size);
 
 // Captures the call stack and drops the skip innermost frames; without skipping, the first frame
-// is the caller of this function (the frames of the capture itself are always dropped). Starts with room for 64 addresses on the stack and doubles on the heap for as
-// long as the buffer comes back full. Never inlined, so the frame count stays fixed.
+// is the caller of this function (the frames of the capture itself are always dropped). Starts with room for
+// 64 addresses on the stack and doubles on the heap for as long as the buffer comes back full. Never inlined,
+// so the frame count stays fixed.
 types::vector_t<std::uint64_t> CaptureCallStack(std::size_t skip);
 
 // Replaces backtrace for the tests of the capture; nullptr restores it. Returns the one set before.

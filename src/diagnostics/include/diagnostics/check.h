@@ -17,17 +17,17 @@ namespace hca::detail {
 
 // Receives the finished exception (after all "<<") and throws its copy.
 struct CheckThrower {
-  template <typename E>
-  [[noreturn]] void operator=(const E& e) const {
-    throw e;
-  }
+    template <typename E>
+    [[noreturn]] void operator=(const E& e) const {
+        throw e;
+    }
 };
 
 }  // namespace hca::detail
 
 #define HCA_CHECK(condition) \
-  while (!(condition)) ::hca::detail::CheckThrower{} = ::hca::CheckFailedException(__FILE__, __LINE__)
+    while (!(condition)) ::hca::detail::CheckThrower{} = ::hca::CheckFailedException(__FILE__, __LINE__)
 
-#define HCA_CHECK_RESULT(expression)                                                                  \
-  for (const int hcaCheckedResult_ = static_cast<int>(expression); hcaCheckedResult_ < 0;)            \
-  ::hca::detail::CheckThrower{} = ::hca::CheckResultFailedException(__FILE__, __LINE__, hcaCheckedResult_)
+#define HCA_CHECK_RESULT(expression)                                                         \
+    for (const int hcaCheckedResult_ = static_cast<int>(expression); hcaCheckedResult_ < 0;) \
+    ::hca::detail::CheckThrower{} = ::hca::CheckResultFailedException(__FILE__, __LINE__, hcaCheckedResult_)

@@ -10,18 +10,18 @@
 namespace hca {
 
 class CheckFailedException : public ExceptionBase<CheckFailedException, Exception> {
- public:
-  CheckFailedException(const char* file, std::uint32_t line) noexcept;
+public:
+    CheckFailedException(const char* file, std::uint32_t line) noexcept;
 
-  // Always "CheckFailedException".
-  const char* what() const noexcept override;
+    // Always "CheckFailedException".
+    const char* what() const noexcept override;
 
-  // Appends value, formatted by a fresh wide stream, to the text. No separator is added.
-  template <typename T>
-  const CheckFailedException& operator<<(const T& value) const {
-    detail::AppendStreamed(m_text, value);
-    return *this;
-  }
+    // Appends value, formatted by a fresh wide stream, to the text. No separator is added.
+    template <typename T>
+    const CheckFailedException& operator<<(const T& value) const {
+        detail::AppendStreamed(m_text, value);
+        return *this;
+    }
 };
 
 }  // namespace hca

@@ -11,21 +11,21 @@
 namespace hca {
 
 class CheckResultFailedException : public ExceptionBase<CheckResultFailedException, ResultCodeException> {
- public:
-  // This constructor adds one frame to those of ResultCodeException.
-  static constexpr std::size_t kOwnFrames = ResultCodeException::kOwnFrames + 1;
+public:
+    // This constructor adds one frame to those of ResultCodeException.
+    static constexpr std::size_t kOwnFrames = ResultCodeException::kOwnFrames + 1;
 
-  CheckResultFailedException(const char* file, std::uint32_t line, int code);
+    CheckResultFailedException(const char* file, std::uint32_t line, int code);
 
-  // Always "CheckResultFailedException".
-  const char* what() const noexcept override;
+    // Always "CheckResultFailedException".
+    const char* what() const noexcept override;
 
-  // Appends value, formatted by a fresh wide stream, to the text. No separator is added.
-  template <typename T>
-  const CheckResultFailedException& operator<<(const T& value) const {
-    detail::AppendStreamed(m_text, value);
-    return *this;
-  }
+    // Appends value, formatted by a fresh wide stream, to the text. No separator is added.
+    template <typename T>
+    const CheckResultFailedException& operator<<(const T& value) const {
+        detail::AppendStreamed(m_text, value);
+        return *this;
+    }
 };
 
 }  // namespace hca

@@ -11,8 +11,8 @@
 
 template <>
 struct fmt::formatter<std::pair<int, std::string>> : fmt::formatter<std::string> {
-  template <typename FormatContext>
-  auto format(const std::pair<int, std::string>& result, FormatContext& context) const {
-    return fmt::formatter<std::string>::format(fdn::hcax::ResultCodeText(result.first), context);
-  }
+    template <typename FormatContext>
+    auto format(const std::pair<int, std::string>& result, FormatContext& context) const {
+        return fmt::formatter<std::string>::format(fdn::hcax::ResultCodeText(result.first), context);
+    }
 };

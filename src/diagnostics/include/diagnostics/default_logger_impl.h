@@ -12,9 +12,9 @@
 namespace hos::logger {
 
 class DefaultLoggerImpl {
- public:
-  virtual ~DefaultLoggerImpl() = default;
-  virtual void Write(const LogRecord& record) = 0;
+public:
+    virtual ~DefaultLoggerImpl() = default;
+    virtual void Write(const LogRecord& record) = 0;
 };
 
 // The default output: each record becomes one line (FormatLogLine) written to file descriptor 2

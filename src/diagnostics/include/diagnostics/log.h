@@ -9,11 +9,10 @@
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/log_level.h>
 
-#define HL_LOG(level, ...)                                                             \
-  do {                                                                                 \
-    auto& hlRootLogger_ = ::hos::logger::HOSLogger::RootLogger();                      \
-    if (hlRootLogger_.IsEnabled(level)) {                                              \
-      hlRootLogger_.Log((level), __FILE__, __LINE__, static_cast<const char*>(__func__), \
-                        __VA_ARGS__);                                                  \
-    }                                                                                  \
-  } while (false)
+#define HL_LOG(level, ...)                                                                                   \
+    do {                                                                                                     \
+        auto& hlRootLogger_ = ::hos::logger::HOSLogger::RootLogger();                                        \
+        if (hlRootLogger_.IsEnabled(level)) {                                                                \
+            hlRootLogger_.Log((level), __FILE__, __LINE__, static_cast<const char*>(__func__), __VA_ARGS__); \
+        }                                                                                                    \
+    } while (false)

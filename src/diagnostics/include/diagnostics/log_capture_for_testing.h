@@ -16,26 +16,26 @@
 namespace hos::logger {
 
 class LogCaptureForTesting {
- public:
-  LogCaptureForTesting();
-  ~LogCaptureForTesting();
-  LogCaptureForTesting(const LogCaptureForTesting&) = delete;
-  LogCaptureForTesting& operator=(const LogCaptureForTesting&) = delete;
+public:
+    LogCaptureForTesting();
+    ~LogCaptureForTesting();
+    LogCaptureForTesting(const LogCaptureForTesting&) = delete;
+    LogCaptureForTesting& operator=(const LogCaptureForTesting&) = delete;
 
-  void SetLevel(LogLevel level);
+    void SetLevel(LogLevel level);
 
-  std::vector<LogRecord> Records() const;
-  // True when the message of any record contains text.
-  bool Contains(std::string_view text) const;
-  std::size_t Count(LogLevel level) const;
-  void Clear();
+    std::vector<LogRecord> Records() const;
+    // True when the message of any record contains text.
+    bool Contains(std::string_view text) const;
+    std::size_t Count(LogLevel level) const;
+    void Clear();
 
- private:
-  class MemorySink;
+private:
+    class MemorySink;
 
-  std::unique_ptr<MemorySink> m_sink;
-  DefaultLoggerImpl* m_previousSink = nullptr;
-  LogLevel m_previousLevel = LogLevel::Info;
+    std::unique_ptr<MemorySink> m_sink;
+    DefaultLoggerImpl* m_previousSink = nullptr;
+    LogLevel m_previousLevel = LogLevel::Info;
 };
 
 }  // namespace hos::logger

@@ -8,13 +8,13 @@
 namespace hos::logger {
 
 enum class LogLevel : std::int32_t {
-  Trace = 0,
-  Debug = 1,
-  Info = 2,
-  Warning = 3,
-  Error = 4,
-  Critical = 5,
-  Off = 6,
+    Trace = 0,
+    Debug = 1,
+    Info = 2,
+    Warning = 3,
+    Error = 4,
+    Critical = 5,
+    Off = 6,
 };
 
 // Upper-case name as it appears in a log line ("TRACE" ... "OFF"); "LEVEL(n)" for a value outside

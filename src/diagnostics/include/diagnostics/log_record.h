@@ -10,14 +10,14 @@
 namespace hos::logger {
 
 struct LogRecord {
-  LogLevel level = LogLevel::Info;
-  std::string file;
-  int line = 0;
-  std::string function;
-  std::string message;
-  std::string tag;
-  std::uint64_t threadId = 0;
-  std::chrono::system_clock::time_point time;
+    LogLevel level = LogLevel::Info;
+    std::string file;
+    int line = 0;
+    std::string function;
+    std::string message;
+    std::string tag;
+    std::uint64_t threadId = 0;
+    std::chrono::system_clock::time_point time;
 };
 
 }  // namespace hos::logger

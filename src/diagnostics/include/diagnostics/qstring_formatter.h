@@ -9,10 +9,10 @@
 
 template <>
 struct fmt::formatter<QString> : fmt::formatter<fmt::string_view> {
-  template <typename FormatContext>
-  auto format(const QString& text, FormatContext& context) const {
-    const QByteArray utf8 = text.toUtf8();
-    return fmt::formatter<fmt::string_view>::format(
-        fmt::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())), context);
-  }
+    template <typename FormatContext>
+    auto format(const QString& text, FormatContext& context) const {
+        const QByteArray utf8 = text.toUtf8();
+        return fmt::formatter<fmt::string_view>::format(
+            fmt::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())), context);
+    }
 };

@@ -14,21 +14,21 @@ namespace hca::detail {
 
 template <typename T>
 void AppendStreamed(std::u16string& target, const T& value) {
-  std::wostringstream stream;
-  if constexpr (std::is_convertible_v<const T&, std::string_view> && !std::is_same_v<T, std::nullptr_t>) {
-    if constexpr (std::is_pointer_v<T>) {
-      if (value == nullptr) {
-        return;  // a wide stream writes nothing for a null string either
-      }
+    std::wostringstream stream;
+    if constexpr (std::is_convertible_v<const T&, std::string_view> && !std::is_same_v<T, std::nullptr_t>) {
+        if constexpr (std::is_pointer_v<T>) {
+            if (value == nullptr) {
+                return;  // a wide stream writes nothing for a null string either
+            }
+        }
+        const std::string_view bytes(value);
+        for (const char c : bytes) {
+            stream << c;
+        }
+    } else {
+        stream << value;
     }
-    const std::string_view bytes(value);
-    for (const char c : bytes) {
-      stream << c;
-    }
-  } else {
-    stream << value;
-  }
-  target += text::Cast<std::u16string>(std::wstring_view(stream.str()));
+    target += text::Cast<std::u16string>(std::wstring_view(stream.str()));
 }
 
 }  // namespace hca::detail

@@ -17,7 +17,9 @@ class Setup : public QObject {
     Q_OBJECT
 
 public:
-    Q_INVOKABLE void SetPaletteIdForTesting(int id) { m_interactor->SetPaletteId(static_cast<style::PaletteId>(id)); }
+    Q_INVOKABLE void SetPaletteIdForTesting(int id) {
+        m_interactor->SetPaletteId(static_cast<style::PaletteId>(id));
+    }
 
 public slots:
     void qmlEngineAvailable(QQmlEngine* engine) {

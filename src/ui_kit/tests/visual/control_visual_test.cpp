@@ -46,7 +46,8 @@ Difference Compare(const QImage& actualImage, const QImage& expectedImage) {
                                         std::abs(qBlue(a) - qBlue(e)), std::abs(qAlpha(a) - qAlpha(e))});
             const bool differs = delta > kChannelTolerance;
             result.pixels += differs ? 1 : 0;
-            result.map.setPixel(x, y, differs ? qRgb(255, 0, 0) : qRgb(qRed(e) / 4, qGreen(e) / 4, qBlue(e) / 4));
+            result.map.setPixel(x, y,
+                                differs ? qRgb(255, 0, 0) : qRgb(qRed(e) / 4, qGreen(e) / 4, qBlue(e) / 4));
         }
     }
     return result;
@@ -66,7 +67,8 @@ protected:
     static void SetUpTestSuite() { vdi::uikit::gallery::PrepareOffscreenRendering(); }
 
     void SetUp() override {
-        if (QCoreApplication::instance() == nullptr) m_app = std::make_unique<QGuiApplication>(m_argc, m_argv);
+        if (QCoreApplication::instance() == nullptr)
+            m_app = std::make_unique<QGuiApplication>(m_argc, m_argv);
         m_renderer = std::make_unique<ControlRenderer>(std::make_shared<PaletteSwitch>(PaletteId::Dark));
     }
 
@@ -80,7 +82,8 @@ protected:
 TEST_P(ControlVisual, RenderingMatchesTheReferenceImage) {
     const QString name = QString::fromStdString(CaseName(GetParam()));
     QString error;
-    const QImage actual = m_renderer->Render(QString::fromStdString(GetParam().specimen), GetParam().palette, &error);
+    const QImage actual =
+        m_renderer->Render(QString::fromStdString(GetParam().specimen), GetParam().palette, &error);
     ASSERT_FALSE(actual.isNull()) << error.toStdString();
 
     const QString outputDir = QStringLiteral(HL_BINARY_DIR "/visual-output/");
@@ -90,11 +93,13 @@ TEST_P(ControlVisual, RenderingMatchesTheReferenceImage) {
     QFile::remove(actualPath);
     QFile::remove(mapPath);
 
-    const QImage expected(QStringLiteral(HL_SOURCE_DIR "/src/ui_kit/tests/visual/reference/") + name + ".png");
+    const QImage expected(QStringLiteral(HL_SOURCE_DIR "/src/ui_kit/tests/visual/reference/") + name +
+                          ".png");
     if (expected.size() != actual.size()) {
         actual.save(actualPath);
-        FAIL() << "rendered " << actual.width() << "x" << actual.height() << ", reference " << expected.width()
-               << "x" << expected.height() << " (none when 0x0); kept " << actualPath.toStdString();
+        FAIL() << "rendered " << actual.width() << "x" << actual.height() << ", reference "
+               << expected.width() << "x" << expected.height() << " (none when 0x0); kept "
+               << actualPath.toStdString();
     }
     const Difference difference = Compare(actual, expected);
     const auto allowed = static_cast<qsizetype>(expected.width() * expected.height() * kMaxDifferingShare);
@@ -102,19 +107,20 @@ TEST_P(ControlVisual, RenderingMatchesTheReferenceImage) {
         actual.save(actualPath);
         difference.map.save(mapPath);
     }
-    EXPECT_LE(difference.pixels, allowed) << "kept " << actualPath.toStdString() << " and " << mapPath.toStdString();
+    EXPECT_LE(difference.pixels, allowed)
+        << "kept " << actualPath.toStdString() << " and " << mapPath.toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Specimens, ControlVisual,
-                         ::testing::ValuesIn([] {
-                             std::vector<VisualCase> cases;
-                             for (const char* specimen : {"PushButton", "TextLabel", "CloseButton", "RoundedRect"}) {
-                                 for (const auto palette : {PaletteId::Dark, PaletteId::Light})
-                                     cases.push_back({specimen, palette});
-                             }
-                             return cases;
-                         }()),
-                         [](const auto& info) { return CaseName(info.param); });
+INSTANTIATE_TEST_SUITE_P(
+    Specimens, ControlVisual, ::testing::ValuesIn([] {
+        std::vector<VisualCase> cases;
+        for (const char* specimen : {"PushButton", "TextLabel", "CloseButton", "RoundedRect"}) {
+            for (const auto palette : {PaletteId::Dark, PaletteId::Light})
+                cases.push_back({specimen, palette});
+        }
+        return cases;
+    }()),
+    [](const auto& info) { return CaseName(info.param); });
 
 class ControlRendering : public ControlVisual {};
 
@@ -136,8 +142,8 @@ TEST_F(ControlRendering, EverySpecimenRendersInBothPalettesAndAnUnknownOneGivesA
     for (const QString& name : names) {
         for (const auto palette : {PaletteId::Light, PaletteId::Dark}) {
             QString error;
-            EXPECT_FALSE(m_renderer->Render(name, palette, &error).isNull()) << name.toStdString() << ": "
-                                                                             << error.toStdString();
+            EXPECT_FALSE(m_renderer->Render(name, palette, &error).isNull())
+                << name.toStdString() << ": " << error.toStdString();
         }
     }
     QString error;
