@@ -83,7 +83,8 @@ TEST_F(PresenterTest, ClickBeforeSetPresenterOrAfterThePresenterDiedIsIgnored) {
     AccessArbiterView view(&m_engine, nullptr);
     view.OnUserDecisionReceived(UserDecision::Approve);
     int shows = 0;
-    auto presenter = std::make_shared<AccessArbiterPresenter>(std::make_unique<CountingView>(shows), m_setter);
+    auto presenter =
+        std::make_shared<AccessArbiterPresenter>(std::make_unique<CountingView>(shows), m_setter);
     view.SetPresenter(presenter);
     view.OnUserDecisionReceived(UserDecision::Decline);
     presenter.reset();

@@ -18,7 +18,8 @@ QString ReadAll(const QString& path) {
 
 // The messages the embedded document asks for.
 Messages DocumentMessages() {
-    static const QRegularExpression call(QStringLiteral(R"re(qsTranslate\(\s*"([^"]*)"\s*,\s*"([^"]*)"\s*\))re"));
+    static const QRegularExpression call(
+        QStringLiteral(R"re(qsTranslate\(\s*"([^"]*)"\s*,\s*"([^"]*)"\s*\))re"));
     Messages messages;
     for (auto it = call.globalMatch(ReadAll(QStringLiteral(":/qml/access_arbiter_view"))); it.hasNext();) {
         const auto match = it.next();
@@ -29,8 +30,9 @@ Messages DocumentMessages() {
 
 // The messages of a catalogue's source, each with a finished, non-empty translation.
 Messages CatalogueMessages(const QString& language) {
-    QXmlStreamReader xml(ReadAll(QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/ui/translations/access_arbiter_%1.ts")
-                                     .arg(language)));
+    QXmlStreamReader xml(
+        ReadAll(QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/ui/translations/access_arbiter_%1.ts")
+                    .arg(language)));
     Messages messages;
     QString context, source;
     while (xml.readNext() != QXmlStreamReader::Invalid && !xml.atEnd()) {
@@ -55,9 +57,11 @@ TEST(Catalogues, EachCatalogueTranslatesExactlyTheMessagesOfTheDocument) {
         SCOPED_TRACE(language);
         EXPECT_EQ(CatalogueMessages(QLatin1String(language)), document);
         QTranslator embedded;
-        ASSERT_TRUE(embedded.load(QStringLiteral(":/translations/access_arbiter_%1.qm").arg(QLatin1String(language))));
+        ASSERT_TRUE(embedded.load(
+            QStringLiteral(":/translations/access_arbiter_%1.qm").arg(QLatin1String(language))));
         for (const auto& [context, source] : document) {
-            EXPECT_FALSE(embedded.translate(context.toUtf8(), source.toUtf8()).isEmpty()) << source.toStdString();
+            EXPECT_FALSE(embedded.translate(context.toUtf8(), source.toUtf8()).isEmpty())
+                << source.toStdString();
         }
     }
 }

@@ -35,7 +35,8 @@ TEST(UserDecisionInteractor, GetThroughTheGetterHalfBlocksUntilASetFromAnotherTh
         return std::make_pair(result, decision);
     });
     EXPECT_EQ(request.wait_for(200ms), std::future_status::timeout) << "the get must wait for a decision";
-    auto click = std::async(std::launch::async, [setter] { return setter->SetUserDecision(UserDecision::Approve); });
+    auto click =
+        std::async(std::launch::async, [setter] { return setter->SetUserDecision(UserDecision::Approve); });
     EXPECT_EQ(click.get(), 0);
     ASSERT_EQ(request.wait_for(30s), std::future_status::ready);
     EXPECT_EQ(request.get(), std::make_pair(0, UserDecision::Approve));

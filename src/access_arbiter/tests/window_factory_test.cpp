@@ -38,7 +38,11 @@ protected:
     }
 
     QColor BorderColor(QQuickWindow& window) {
-        return DialogRectangle(window)->property("border").value<QObject*>()->property("color").value<QColor>();
+        return DialogRectangle(window)
+            ->property("border")
+            .value<QObject*>()
+            ->property("color")
+            .value<QColor>();
     }
 
     int m_argc = 0;
@@ -114,14 +118,16 @@ TEST_P(TranslatedDialogTest, TextsComeFromTheCatalogueOfTheLocaleOrAreTheKeys) {
     const std::map<std::string, std::vector<QString>> expected = {
         {"", {"$Title$", "$Description$", "$Decline$", "$Approve$"}},
         {"ru-RU",
-         {"Запрос на подключение", "Пользователь запрашивает доступ на управление вашим устройством", "Запретить",
-          "Разрешить"}}};
-    const std::vector<QString> english = {"Connection request", "A user requests access to manage your device",
-                                          "Decline", "Approve"};
+         {"Запрос на подключение", "Пользователь запрашивает доступ на управление вашим устройством",
+          "Запретить", "Разрешить"}}};
+    const std::vector<QString> english = {
+        "Connection request", "A user requests access to manage your device", "Decline", "Approve"};
     EXPECT_EQ(texts, expected.count(locale) != 0 ? expected.at(locale) : english);
 }
 
-INSTANTIATE_TEST_SUITE_P(Locales, TranslatedDialogTest, ::testing::Values("", "en-US", "ru-RU", "es-MX", "pt-BR"),
-                         [](const auto& info) { return info.index == 0 ? "none" : std::string(info.param).erase(2, 1); });
+INSTANTIATE_TEST_SUITE_P(Locales, TranslatedDialogTest,
+                         ::testing::Values("", "en-US", "ru-RU", "es-MX", "pt-BR"), [](const auto& info) {
+                             return info.index == 0 ? "none" : std::string(info.param).erase(2, 1);
+                         });
 
 }  // namespace

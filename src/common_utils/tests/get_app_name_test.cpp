@@ -45,7 +45,8 @@ TEST(GetAppNameOrDefault, BadNameGivesTheDefaultAndExactlyOneErrorLineAGoodOneNo
         ASSERT_EQ(records.size(), 1u);
         EXPECT_EQ(records[0].level, hos::logger::LogLevel::Error);
         // A failed check always reports "Unspecified error" (0x8000004B) as a signed number.
-        EXPECT_EQ(records[0].message.rfind("Failed to get an app name[-2147483573]: ", 0), 0u) << records[0].message;
+        EXPECT_EQ(records[0].message.rfind("Failed to get an app name[-2147483573]: ", 0), 0u)
+            << records[0].message;
     }
 }
 

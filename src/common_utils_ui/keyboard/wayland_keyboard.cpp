@@ -161,11 +161,10 @@ void WaylandKeyboard::OnKeymap(std::uint32_t format, int fd, std::uint32_t size)
     if (m_context == nullptr) {
         m_context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
     }
-    xkb_keymap* keymap = m_context == nullptr
-                             ? nullptr
-                             : xkb_keymap_new_from_string(m_context, static_cast<const char*>(text),
-                                                          XKB_KEYMAP_FORMAT_TEXT_V1,
-                                                          XKB_KEYMAP_COMPILE_NO_FLAGS);
+    xkb_keymap* keymap = m_context == nullptr ? nullptr
+                                              : xkb_keymap_new_from_string(
+                                                    m_context, static_cast<const char*>(text),
+                                                    XKB_KEYMAP_FORMAT_TEXT_V1, XKB_KEYMAP_COMPILE_NO_FLAGS);
     munmap(text, size);
     ReplaceKeymap(keymap);
 }

@@ -33,7 +33,8 @@ public:
     void OnGlobal(wl_registry* registry, std::uint32_t name, const char* interface, std::uint32_t version);
     void OnCapabilities(std::uint32_t capabilities);
     void OnKeymap(std::uint32_t format, int fd, std::uint32_t size);
-    void OnModifiers(std::uint32_t depressed, std::uint32_t latched, std::uint32_t locked, std::uint32_t group);
+    void OnModifiers(std::uint32_t depressed, std::uint32_t latched, std::uint32_t locked,
+                     std::uint32_t group);
 
 private:
     // Reads what the compositor has sent meanwhile.

@@ -9,8 +9,8 @@
 
 namespace {
 
-using vdi::common_utils_ui::KeyboardInit;
 using ::testing::Return;
+using vdi::common_utils_ui::KeyboardInit;
 
 class MockXkbHelper : public vdi::common_utils_ui::xkb_helper::IXkbHelper {
 public:

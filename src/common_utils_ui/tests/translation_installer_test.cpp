@@ -27,7 +27,8 @@ protected:
     int m_argc = 0;
     QCoreApplication m_app{m_argc, nullptr};
     hos::logger::LogCaptureForTesting m_capture;
-    std::unique_ptr<TranslationInstaller> m_installer = std::make_unique<TranslationInstaller>(HL_TEST_CATALOGUES_DIR);
+    std::unique_ptr<TranslationInstaller> m_installer =
+        std::make_unique<TranslationInstaller>(HL_TEST_CATALOGUES_DIR);
 };
 
 TEST_F(TranslationInstallerTest, RecognisedNamesGiveTheirLocaleOthersRussianWithAWarningEach) {

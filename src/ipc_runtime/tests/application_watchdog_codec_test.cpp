@@ -23,8 +23,8 @@ using ipc_runtime_test::FakeTransport;
 constexpr std::uint16_t kRiid = 5;
 
 hosipc_detail::api_v1::SharedResourceProvider MakeResources() {
-    return std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{}, 0,
-                                                                      hosipc::api_v1::ApplicationSettings{});
+    return std::make_shared<hosipc_detail::api_v1::ResourceProvider>(
+        hosipc_detail::api_v1::MessageCapacity{}, 0, hosipc::api_v1::ApplicationSettings{});
 }
 
 auto MakeProxy(const FakeConnector& connector) {
@@ -111,7 +111,8 @@ std::array<unsigned char, 40> Dispatch(RecordingWatchdog& implementation, std::u
     const std::uint32_t words[] = {3u | mid << 16, sizeWord, 0, 0, 0, 0, nameOffset, 13};
     std::memcpy(request.data(), words, sizeof words);
     std::memcpy(arenaBytes.data() + 16, "AccessArbiter", 13);
-    const nk_arena requestArena{arenaBytes.data(), arenaBytes.data() + 29, arenaBytes.data() + arenaBytes.size()};
+    const nk_arena requestArena{arenaBytes.data(), arenaBytes.data() + 29,
+                                arenaBytes.data() + arenaBytes.size()};
     nk_arena responseArena{nullptr, nullptr, nullptr};
     hosipc_detail::idl_traits::Stub<ApplicationWatchdog> stub(&implementation, MakeResources());
     stub.DispatchRequest(1, reinterpret_cast<const nk_message*>(request.data()), &requestArena,

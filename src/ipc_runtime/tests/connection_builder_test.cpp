@@ -33,7 +33,9 @@ int FakeClose(unsigned int handle) {
 
 class RecordingLogger final : public hosipc::api_v1::ILogger {
 public:
-    void Print(Verbosity, hosipc::api_v1::ILogMessage& message) override { lines.emplace_back(message.Text()); }
+    void Print(Verbosity, hosipc::api_v1::ILogMessage& message) override {
+        lines.emplace_back(message.Text());
+    }
     std::vector<std::string> lines;
 };
 
@@ -49,10 +51,20 @@ TEST(ConnectionBuilderTest, FailureOrRiidOverUint16IsLoggedAndLeavesTheEndpointE
     } cases[] = {
         {0, 7, false, 0, 250, {}, ""},
         {0, 0xffff, false, 0, 250, {}, ""},
-        {static_cast<int>(0x90000013U), 1, true, static_cast<int>(0x90000013U), 0xffffffffU, {},
+        {static_cast<int>(0x90000013U),
+         1,
+         true,
+         static_cast<int>(0x90000013U),
+         0xffffffffU,
+         {},
          "Failed to connect to \"hl.app_manager.Server\":\"app_manager.applicationWatchdog\" with rc = "
          "-1879048173\n"},
-        {0, 0x10000, true, static_cast<int>(0x90000002U), 0xffffffffU, {17},
+        {0,
+         0x10000,
+         true,
+         static_cast<int>(0x90000002U),
+         0xffffffffU,
+         {17},
          "Invalid riid for \"hl.app_manager.Server\":\"app_manager.applicationWatchdog\" because 65536 > "
          "UINT16_MAX\n"},
     };
@@ -74,8 +86,8 @@ TEST(ConnectionBuilderTest, FailureOrRiidOverUint16IsLoggedAndLeavesTheEndpointE
         EXPECT_EQ(endpoint.GetHandle(), item.rc == 0 ? 17U : EndpointHandle::kInvalidHandle);
         EXPECT_EQ(endpoint.GetRiid(), item.rc == 0 ? item.riid : EndpointHandle::kInvalidRiid);
         EXPECT_EQ(endpoint.IsOwned(), item.rc == 0);
-        EXPECT_EQ(logger->lines, item.logged.empty() ? std::vector<std::string>{}
-                                                     : std::vector<std::string>{item.logged});
+        EXPECT_EQ(logger->lines,
+                  item.logged.empty() ? std::vector<std::string>{} : std::vector<std::string>{item.logged});
     }
 }
 

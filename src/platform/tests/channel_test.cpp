@@ -68,9 +68,12 @@ TEST_F(ChannelTest, HandshakeResolvesEveryNameOfAnEndpointAndRefusesOthers) {
         const char* name;
         int rc;
         unsigned int riid;
-    } cases[] = {{"echo", 0, peer::kEchoRiid},         {"echo.echo", 0, peer::kEchoRiid},
-                 {"hl.test.Echo", 0, peer::kEchoRiid}, {"hl.test.Echo.echo", 0, peer::kEchoRiid},
-                 {"waylandClient", 0, 0},              {"hl.test.Nothing", NK_ENOENDPOINT, 88}};
+    } cases[] = {{"echo", 0, peer::kEchoRiid},
+                 {"echo.echo", 0, peer::kEchoRiid},
+                 {"hl.test.Echo", 0, peer::kEchoRiid},
+                 {"hl.test.Echo.echo", 0, peer::kEchoRiid},
+                 {"waylandClient", 0, 0},
+                 {"hl.test.Nothing", NK_ENOENDPOINT, 88}};
     for (const auto& item : cases) {
         SCOPED_TRACE(item.name);
         unsigned int handle = 77;

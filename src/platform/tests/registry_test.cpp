@@ -42,9 +42,9 @@ TEST_F(ServiceRegistryTest, PublishedEntriesAreFoundListedByTypeReplacedAndUnpub
 
 TEST_F(ServiceRegistryTest, InvalidNamesAndMalformedEntryFilesAreRefused) {
     for (const auto& entry : std::vector<RegistryEntry>{{"a/b", "s", "e", 0},
-                                                       {"t", "", "e", 0},
-                                                       {".hidden", "s", "e", 0},
-                                                       {std::string(201, 'x'), "s", "e", 0}}) {
+                                                        {"t", "", "e", 0},
+                                                        {".hidden", "s", "e", 0},
+                                                        {std::string(201, 'x'), "s", "e", 0}}) {
         EXPECT_EQ(m_registry->Publish(entry), NK_EINVAL) << entry.type;
     }
     EXPECT_TRUE(m_registry->List().empty());

@@ -86,7 +86,8 @@ TEST_F(ServerChannelTest, ProcessRunningAsAnotherUserIsRefusedAndOthersAreStillS
     const std::string path = m_directory.ServerSocket("local");
     ::chmod(path.c_str(), 0666);
     // A handshake frame (kind 3) asking for the endpoint "svc" in its arena.
-    const unsigned char resolve[27] = {1, 0, 0, 0, 24, 0, 0, 0, 3, 0, 1, 0, 3, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 's', 'v', 'c'};
+    const unsigned char resolve[27] = {1, 0, 0, 0, 24, 0, 0, 0, 3, 0, 1,   0,   3,  0,
+                                       0, 0, 1, 0, 0,  0, 0, 0, 0, 0, 's', 'v', 'c'};
     const pid_t child = ::fork();
     if (child == 0) {
         // Only async-signal-safe calls here: the parent has threads.

@@ -40,7 +40,8 @@ Transcript RunUntilReady(const char* argv0) {
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     char* argv[] = {const_cast<char*>(argv0), nullptr};
     pid_t pid = -1;
-    const bool started = posix_spawn(&pid, HL_ACCESS_ARBITER_EXECUTABLE, &actions, nullptr, argv, environ) == 0;
+    const bool started =
+        posix_spawn(&pid, HL_ACCESS_ARBITER_EXECUTABLE, &actions, nullptr, argv, environ) == 0;
     posix_spawn_file_actions_destroy(&actions);
     close(fds[1]);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
@@ -79,7 +80,8 @@ TEST(ProcessStart, EmptyProgramNameLogsOneErrorAndStartUpGoesOnToReadyAProperNam
         const Transcript run = RunUntilReady(argv0);
         ASSERT_NE(run.text.find(kReadyLine), std::string::npos) << run.text;
         EXPECT_EQ(Count(run.text, kAppNameError), errors) << run.text;
-        EXPECT_TRUE(errors == 0 || run.text.find(kAppNameError) < run.text.find(kReadyLine)) << "the name comes first";
+        EXPECT_TRUE(errors == 0 || run.text.find(kAppNameError) < run.text.find(kReadyLine))
+            << "the name comes first";
         EXPECT_EQ(Count(run.text, "start with error"), 0u) << run.text;
         EXPECT_TRUE(run.stillRunning) << "after start-up the program waits in its event loop";
     }

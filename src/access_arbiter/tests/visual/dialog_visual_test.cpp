@@ -47,7 +47,8 @@ TEST_P(DialogVisualTest, RenderingMatchesTheReference) {
 
     const QString name = QStringLiteral("dialog-%1.png").arg(QString::fromStdString(locale));
     const QImage expected(QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/tests/visual/reference/") + name);
-    const double share = expected.isNull() ? 1.0 : DifferingShare(actual, expected.convertToFormat(QImage::Format_ARGB32));
+    const double share =
+        expected.isNull() ? 1.0 : DifferingShare(actual, expected.convertToFormat(QImage::Format_ARGB32));
     if (share > 0.005) {  // at most half a percent of the pixels may differ
         const QString keptDir = QStringLiteral(HL_BINARY_DIR "/visual-failures");
         QDir().mkpath(keptDir);

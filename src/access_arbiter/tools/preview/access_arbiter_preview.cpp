@@ -19,12 +19,13 @@
 namespace {
 
 void PrintUsage(std::FILE* out) {
-    std::fputs("usage: access_arbiter_preview [--locale NAME] [--palette dark|light|none] [--out FILE]\n"
-               "  --locale   locale as the settings hold it (default en-US)\n"
-               "  --palette  palette of the UI kit, or none for the fallbacks (default dark)\n"
-               "  --out      PNG file to write (default dialog-<locale>.png)\n"
-               "exit status: 0 saved, 1 rendering or saving failed, 2 bad arguments\n",
-               out);
+    std::fputs(
+        "usage: access_arbiter_preview [--locale NAME] [--palette dark|light|none] [--out FILE]\n"
+        "  --locale   locale as the settings hold it (default en-US)\n"
+        "  --palette  palette of the UI kit, or none for the fallbacks (default dark)\n"
+        "  --out      PNG file to write (default dialog-<locale>.png)\n"
+        "exit status: 0 saved, 1 rendering or saving failed, 2 bad arguments\n",
+        out);
 }
 
 }  // namespace

@@ -24,7 +24,8 @@ std::shared_ptr<style::PaletteProvider> MakeProvider(PaletteChoice choice) {
         return nullptr;
     }
     auto interactor = style::CreatePaletteIdInteractor();
-    interactor->SetPaletteId(choice == PaletteChoice::Light ? style::PaletteId::Light : style::PaletteId::Dark);
+    interactor->SetPaletteId(choice == PaletteChoice::Light ? style::PaletteId::Light
+                                                            : style::PaletteId::Dark);
     return style::CreatePaletteProvider(style::CreatePaletteFactory(), interactor);
 }
 
@@ -45,9 +46,8 @@ QImage RenderDialog(const SnapshotRequest& request, QString& error) {
     auto interactor = std::make_shared<interactors::UserDecisionInteractor>();
     ui::WindowFactory factory(&engine, interactor);
     auto window = factory.CreateWindow();
-    auto* quickWindow = engine.rootObjects().isEmpty()
-                            ? nullptr
-                            : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
+    auto* quickWindow =
+        engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
     if (window == nullptr || quickWindow == nullptr) {
         error = QStringLiteral("the dialog document did not load");
         return {};

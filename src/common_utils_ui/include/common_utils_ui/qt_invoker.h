@@ -40,8 +40,8 @@ public:
 
         // The functor must be copyable for invokeMethod, so the unique guard travels in a
         // shared_ptr and is taken out when the call runs.
-        auto guard = std::make_shared<std::unique_ptr<common::utils::ICallableGuard>>(
-            m_object->GetGuardView());
+        auto guard =
+            std::make_shared<std::unique_ptr<common::utils::ICallableGuard>>(m_object->GetGuardView());
         QMetaObject::invokeMethod(
             app,
             [guard, object = m_object, function = std::forward<F>(memberFunction),

@@ -88,7 +88,8 @@ void Serve(nk_message* in, nk_arena& requestArena, unsigned char* out, nk_arena&
 
 int RunServer(const char* name) {
     unsigned int id = 0;
-    const bool taskReady = SetTree() == 0 && HosTaskConnectToService(HosTaskGetSelf(), HosTaskGetSelf(), name) == 0;
+    const bool taskReady =
+        SetTree() == 0 && HosTaskConnectToService(HosTaskGetSelf(), HosTaskGetSelf(), name) == 0;
     const unsigned int handle = taskReady ? ServiceLocatorRegister(name, 0, 0, &id) : NK_INVALID_HANDLE;
     if (handle == NK_INVALID_HANDLE) {
         std::fprintf(stderr, "peer: cannot set up the task or register %s\n", name);

@@ -19,7 +19,8 @@ TestResponse CallThrough(NkHosTransport& transport, const TestRequest& request) 
     const size_t descriptors = request.handles.size() * NK_HANDLE_DESC_SIZE;
     // Sized once up front: growing a 24-byte vector trips a false -Warray-bounds in gcc 12.
     std::vector<unsigned char> message(NK_MESSAGE_HEADER_SIZE + descriptors + request.fields.size(), 0);
-    std::copy(request.fields.begin(), request.fields.end(), message.begin() + NK_MESSAGE_HEADER_SIZE + descriptors);
+    std::copy(request.fields.begin(), request.fields.end(),
+              message.begin() + NK_MESSAGE_HEADER_SIZE + descriptors);
     auto* header = reinterpret_cast<nk_message*>(message.data());
     header->iid = request.iid;
     header->mid = request.mid;
@@ -35,7 +36,8 @@ TestResponse CallThrough(NkHosTransport& transport, const TestRequest& request) 
     response.message.assign(1024, 0);
     reinterpret_cast<nk_message*>(response.message.data())->sizeFlags = nk_size_word(1024, 4);
     std::vector<unsigned char> responseBytes(4096);
-    nk_arena responseArena{responseBytes.data(), responseBytes.data(), responseBytes.data() + responseBytes.size()};
+    nk_arena responseArena{responseBytes.data(), responseBytes.data(),
+                           responseBytes.data() + responseBytes.size()};
     response.rc = transport.ops->call(&transport, header, &requestArena,
                                       reinterpret_cast<nk_message*>(response.message.data()), &responseArena);
     if (response.rc == 0) {
