@@ -62,8 +62,12 @@ bool ConnectionManager::Start() {
                 channels.emplace_back(key, group.number);
             }
         }
-        for (const auto& [key, handle] : channels) {
-            (*m_channelCallbacks.opened)(key, handle);
+        try {
+            for (const auto& [key, handle] : channels) {
+                (*m_channelCallbacks.opened)(key, handle);
+            }
+        } catch (...) {
+            Log("the channel-opened callback threw", true);
         }
     }
     m_worker = std::thread([this] { WorkerLoop(); });
