@@ -1,4 +1,4 @@
-// A prompt text: TextLabel's sibling at 14 px in the secondary content colour.
+// A prompt text: TextLabel at 14 px, with its own fallback colour for when no palette exists.
 import QtQuick
 
 Text {
@@ -6,7 +6,7 @@ Text {
 
     property var pal: paletteProvider ? paletteProvider.palette : null
 
-    color: root.pal ? root.pal.contentSecondary : "#85FFFFFF"
+    color: root.pal ? root.pal.contentPrimary : "#85FFFFFF"
     font.family: "Halcyra Sans Text"
     font.pixelSize: 14
     wrapMode: Text.WordWrap
