@@ -1,8 +1,8 @@
 // A task bar button: a 40 x 40 icon framed in white while focused, over an indicator of how many
 // windows the application has (none, one dash, or two dashes for more than one).
 // Tab and Backtab flip `focus` and leave the event unaccepted so that the key goes on to the
-// task bar. Return emits `clicked` with an object whose `button` is Qt.LeftButton, as a mouse
-// click's event would have.
+// task bar. Return emits `clicked` with the plain value Qt.LeftButton as its argument, where a
+// mouse click passes the mouse event.
 import QtQuick
 
 Item {
@@ -32,7 +32,7 @@ Item {
         root.focus = !root.focus
         event.accepted = false
     }
-    Keys.onReturnPressed: root.clicked({ "button": Qt.LeftButton })
+    Keys.onReturnPressed: root.clicked(Qt.LeftButton)
 
     Column {
         id: column

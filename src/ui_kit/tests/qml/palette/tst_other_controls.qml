@@ -2,7 +2,8 @@ import QtQuick
 import QtTest
 import "qrc:/ui_kit/qml/base/" as UiKitBase
 
-// The keyboard handling of the window frame and the combo box, and a label's palette rebinding.
+// The keyboard handling of the window frame, the combo box and the task bar button, and a label's
+// palette rebinding.
 Item {
     id: scene
     width: 1100
@@ -11,6 +12,7 @@ Item {
     Component { id: windowComponent; UiKitBase.CommonWindow { menuSource: Qt.resolvedUrl("data/TestMenu.qml") } }
     Component { id: comboComponent; UiKitBase.ComboBox { model: ["English", "Español", "Русский"] } }
     Component { id: labelComponent; UiKitBase.TextLabel { text: "Label" } }
+    Component { id: appButtonComponent; UiKitBase.AppButton { count: 2 } }
     Component { id: spyComponent; SignalSpy {} }
 
     TestCase {
@@ -43,6 +45,15 @@ Item {
             keyClick(Qt.Key_Return)
             compare(spy.signalArguments[0][0], 1)
             compare(combo.currentText, "Español")
+        }
+
+        function test_appButtonReturnPassesTheLeftButtonValueToClicked() {
+            const button = createTemporaryObject(appButtonComponent, scene)
+            const spy = createTemporaryObject(spyComponent, scene, { target: button, signalName: "clicked" })
+            button.forceActiveFocus()
+            keyClick(Qt.Key_Return)
+            compare(spy.count, 1)
+            compare(spy.signalArguments[0][0], Qt.LeftButton)
         }
 
         function test_textLabelFollowsThePalette() {
