@@ -5,6 +5,7 @@
 #include <ipc_runtime/ipc_deleter.h>
 #include <ipc_runtime/shared_resource_provider.h>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -19,6 +20,8 @@ struct ProxyBait;
 template <typename T>
 class Proxy;
 
+// What MakeProxyImpl asks the allocator for, unless Proxy<T> needs more.
+inline constexpr unsigned long kProxyAllocationSize = 80;
 inline constexpr const char* kConnectFailedText = "hosipc::MakeProxy(): error connecting to endpoint.";
 
 // Connects through connector and builds Proxy<T> in memory of the resources' allocator. The proxy
@@ -29,8 +32,9 @@ template <typename T>
 std::unique_ptr<T, api_v1::IpcDeleter> MakeGeneratedProxy(const hosipc::api_v1::IConnector& connector,
                                                           const api_v1::SharedResourceProvider& resources) {
     const std::shared_ptr<api_v1::IIpcAllocator> allocator = resources->GetAllocator();
-    // Sized for this platform's Proxy<T> (the transport object's size is the platform's choice).
-    void* memory = allocator->Allocate(sizeof(Proxy<T>));
+    // 80 bytes as the generated layer asks for, more if this build's Proxy<T> is bigger, so that the
+    // construction below never runs past the block.
+    void* memory = allocator->Allocate(std::max<unsigned long>(kProxyAllocationSize, sizeof(Proxy<T>)));
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
