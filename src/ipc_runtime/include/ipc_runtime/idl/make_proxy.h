@@ -32,8 +32,7 @@ template <typename T>
 std::unique_ptr<T, api_v1::IpcDeleter> MakeGeneratedProxy(const hosipc::api_v1::IConnector& connector,
                                                           const api_v1::SharedResourceProvider& resources) {
     const std::shared_ptr<api_v1::IIpcAllocator> allocator = resources->GetAllocator();
-    // 80 bytes as the generated layer asks for, more if this build's Proxy<T> is bigger, so that the
-    // construction below never runs past the block.
+    // 80 bytes; more only when this build's Proxy<T> is bigger, as building it past the block is UB.
     void* memory = allocator->Allocate(std::max<unsigned long>(kProxyAllocationSize, sizeof(Proxy<T>)));
     if (memory == nullptr) {
         throw std::bad_alloc();
