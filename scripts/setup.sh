@@ -15,6 +15,8 @@ PACKAGES=(
   libfmt-dev libxkbcommon-dev libwayland-dev libgtest-dev libgmock-dev libbenchmark-dev
   # runtime of the hosted platform: fonts, X server for real-window tests, image tools
   fontconfig fonts-dejavu-core xvfb xauth librsvg2-bin
+  # the Python peer and the JSON checks of the tool tests
+  python3
 )
 
 SUDO=""

@@ -3,6 +3,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include <platform/i_service_registry.h>
 #include <platform/kn_channel.h>
@@ -11,16 +13,23 @@
 #include <platform/service_locator.h>
 
 #include "commands.h"
+#include "json_text.h"
 
 namespace hl_ipc {
 namespace {
 
 constexpr const char* kUsage =
-    "Usage: hl-ipc list\n"
+    "Usage: hl-ipc list [--json]\n"
     "\n"
     "Shows what is published in the runtime directory: each type with the server and endpoint\n"
     "that serve it and the publishing process, and each server socket with whether a server\n"
     "answers on it (\"live\") or its owner has gone (\"stale\").\n"
+    "\n"
+    "Options:\n"
+    "  --json    one JSON object instead of text:\n"
+    "            {\"runtime_directory\": PATH,\n"
+    "             \"types\": [{\"type\", \"server\", \"endpoint\", \"pid\", \"pid_alive\"}, ...],\n"
+    "             \"servers\": [{\"name\", \"state\": \"live\" or \"stale\"}, ...]}\n"
     "\n"
     "Exit codes: 0 listed (also when empty); 1 usage error.\n";
 
@@ -37,27 +46,64 @@ bool IsProcessAlive(pid_t pid) {
     return pid > 0 && (::kill(pid, 0) == 0 || errno == EPERM);
 }
 
+struct Listing {
+    std::string root;
+    std::vector<hos::platform::RegistryEntry> entries;
+    std::vector<std::string> servers;
+};
+
+void PrintText(const Listing& listing) {
+    std::printf("runtime directory: %s\n", listing.root.c_str());
+    std::printf("\npublished types (%zu):\n", listing.entries.size());
+    for (const auto& entry : listing.entries) {
+        std::printf("  %s -> server %s, endpoint %s, pid %d%s\n", entry.type.c_str(), entry.server.c_str(),
+                    entry.endpoint.c_str(), static_cast<int>(entry.pid),
+                    IsProcessAlive(entry.pid) ? "" : " (gone)");
+    }
+    std::printf("\nservers (%zu):\n", listing.servers.size());
+    for (const auto& server : listing.servers) {
+        std::printf("  %s %s\n", server.c_str(), IsLive(server) ? "live" : "stale");
+    }
+}
+
+void PrintJson(const Listing& listing) {
+    std::string out = "{\"runtime_directory\": " + JsonString(listing.root) + ",\n \"types\": [";
+    const char* separator = "";
+    for (const auto& entry : listing.entries) {
+        out += separator;
+        out += "\n  {\"type\": " + JsonString(entry.type) + ", \"server\": " + JsonString(entry.server) +
+               ", \"endpoint\": " + JsonString(entry.endpoint) + ", \"pid\": " + std::to_string(entry.pid) +
+               ", \"pid_alive\": " + (IsProcessAlive(entry.pid) ? "true" : "false") + "}";
+        separator = ",";
+    }
+    out += "],\n \"servers\": [";
+    separator = "";
+    for (const auto& server : listing.servers) {
+        out += separator;
+        out += "\n  {\"name\": " + JsonString(server) +
+               ", \"state\": " + (IsLive(server) ? "\"live\"" : "\"stale\"") + "}";
+        separator = ",";
+    }
+    out += "]}\n";
+    std::fputs(out.c_str(), stdout);
+}
+
 }  // namespace
 
 int RunList(const std::vector<std::string>& arguments) {
-    if (!arguments.empty()) {
+    const bool json = arguments.size() == 1 && arguments[0] == "--json";
+    if (!arguments.empty() && !json) {
         const bool help = arguments[0] == "--help" || arguments[0] == "-h";
         std::fputs(kUsage, help ? stdout : stderr);
         return help ? 0 : 1;
     }
     const auto registry = hos::platform::CreateServiceRegistry();
-    std::printf("runtime directory: %s\n", hos::platform::runtime_directory::Path().c_str());
-    const auto entries = registry->List();
-    std::printf("\npublished types (%zu):\n", entries.size());
-    for (const auto& entry : entries) {
-        std::printf("  %s -> server %s, endpoint %s, pid %d%s\n", entry.type.c_str(), entry.server.c_str(),
-                    entry.endpoint.c_str(), static_cast<int>(entry.pid),
-                    IsProcessAlive(entry.pid) ? "" : " (gone)");
-    }
-    const auto servers = registry->ListServers();
-    std::printf("\nservers (%zu):\n", servers.size());
-    for (const auto& server : servers) {
-        std::printf("  %s %s\n", server.c_str(), IsLive(server) ? "live" : "stale");
+    const Listing listing{hos::platform::runtime_directory::Path(), registry->List(),
+                          registry->ListServers()};
+    if (json) {
+        PrintJson(listing);
+    } else {
+        PrintText(listing);
     }
     return 0;
 }

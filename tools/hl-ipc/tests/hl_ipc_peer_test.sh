@@ -18,7 +18,19 @@ shows() { grep -q -- "$1" <<<"$out" || { echo "FAILED: no '$1' in: $out"; failur
 trap 'kill -9 $! 2>/dev/null; rm -rf "$HL_RUNTIME_DIR"' EXIT
 for _ in $(seq 200); do grep -q ready "$HL_RUNTIME_DIR/peer.out" && break; sleep 0.05; done
 
-expect "list" 0 "$hl_ipc" list; shows "ipc-peer live"
+mkdir -p "$HL_RUNTIME_DIR/registry"
+printf 'server=ipc-peer\nendpoint=echo\npid=999999999\n' > "$HL_RUNTIME_DIR/registry/hl.test.Echo.echo"
+expect "list" 0 "$hl_ipc" list; shows "ipc-peer live"; shows "hl.test.Echo.echo -> server ipc-peer, endpoint echo, pid 999999999 (gone)"
+expect "list --json" 0 "$hl_ipc" list --json
+python3 -c '
+import json, sys
+listing = json.loads(sys.argv[1])
+assert listing["runtime_directory"] == sys.argv[2], listing
+assert listing["types"] == [{"type": "hl.test.Echo.echo", "server": "ipc-peer", "endpoint": "echo",
+                             "pid": 999999999, "pid_alive": False}], listing
+assert listing["servers"] == [{"name": "ipc-peer", "state": "live"}], listing
+' "$out" "$HL_RUNTIME_DIR" || { echo "FAILED: list --json gave: $out"; failures=$((failures + 1)); }
+expect "list with a stray argument" 1 "$hl_ipc" list --jsn
 expect "call" 0 "$hl_ipc" call ipc-peer echo - 0 "0x0102 03:04" --arena 6869
 shows "fields (4 bytes): 01020304"; shows "arena (2 bytes): 6869"
 expect "server failure" 4 "$hl_ipc" call ipc-peer echo 1 8 -
