@@ -15,7 +15,10 @@
 //   };
 //
 // The method's C++ signature follows from its fields: the request's inputs in order, then a reference
-// for each response field. A description whose member function doesn't match fails to compile.
+// for each response field. A description whose member function doesn't match fails to compile, and so
+// does one in which two methods share an id, two fields of a message overlap (handle descriptors
+// included), or a field lies outside its message. The checks look only at a field's kOffset, kEnd and
+// kHandles, so a new kind of field is checked as soon as it states those three.
 //
 // Beside the description an interface header holds only what C++ can't derive by itself: one
 // forwarding override per method in its Proxy<T> specialisation (`Invoke<Description::Ping>(...)`,
@@ -27,6 +30,8 @@
 #include <ipc_runtime/message_header.h>
 #include <ipc_runtime/sequence.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
@@ -107,6 +112,30 @@ struct HandleArg {
 template <typename Field>
 concept FixedField = Field::kOffset >= MessageHeader::kHeaderSize&& Field::kEnd > Field::kOffset;
 
+// True when no two of the fields share a byte: [kOffset, kEnd) ranges pairwise apart.
+template <FixedField... Fields>
+constexpr bool FieldsApart() {
+    constexpr std::array<std::uint32_t, sizeof...(Fields)> offsets{Fields::kOffset...};
+    constexpr std::array<std::uint32_t, sizeof...(Fields)> ends{Fields::kEnd...};
+    for (std::size_t i = 0; i < offsets.size(); ++i) {
+        for (std::size_t j = i + 1; j < offsets.size(); ++j) {
+            if (offsets[i] < ends[j] && offsets[j] < ends[i]) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+// True when the handle fields fill the descriptor slots behind the header (each field inside them)
+// and the plain fields stay behind the last slot.
+template <FixedField... Fields>
+constexpr bool HandlesInDescriptorSlots() {
+    constexpr std::uint32_t slotsEnd =
+        MessageHeader::kHeaderSize + MessageHeader::kHandleDescriptorSize * (Fields::kHandles + ... + 0U);
+    return (((Fields::kHandles != 0) ? Fields::kEnd <= slotsEnd : Fields::kOffset >= slotsEnd) && ...);
+}
+
 // The request of a method: its whole size, the size of its arena, and its input fields in order.
 template <std::uint32_t Size, std::uint32_t ArenaSize, FixedField... Fields>
 struct Request {
@@ -114,7 +143,9 @@ struct Request {
     static constexpr std::uint32_t kArenaSize = ArenaSize;
     static constexpr std::uint32_t kHandles = (Fields::kHandles + ... + 0U);
     static_assert(kHandles == 0, "requests carry no handles");
+    static_assert(Size >= MessageHeader::kHeaderSize, "a request is shorter than the message header");
     static_assert(((Fields::kEnd <= Size) && ...), "a request field lies behind the message");
+    static_assert(FieldsApart<Fields...>(), "two request fields overlap");
     static_assert((Fields::kArenaBytes + ... + 0U) <= ArenaSize,
                   "the request arena can't hold its sequences");
 };
@@ -125,12 +156,11 @@ struct Response {
     static constexpr std::uint32_t kSize = Size;
     static constexpr std::uint32_t kHandles = (Fields::kHandles + ... + 0U);
     static constexpr std::uint32_t kSizeWord = MessageHeader::MakeSizeWord(Size, kHandles);
+    static_assert(Size >= MessageHeader::kHeaderSize, "a response is shorter than the message header");
     static_assert(((Fields::kEnd <= Size) && ...), "a response field lies behind the message");
-    static_assert(((Fields::kHandles != 0 ||
-                    Fields::kOffset >=
-                        MessageHeader::kHeaderSize + MessageHeader::kHandleDescriptorSize * kHandles) &&
-                   ...),
-                  "a plain response field overlaps the handle descriptors");
+    static_assert(FieldsApart<Fields...>(), "two response fields overlap");
+    static_assert(HandlesInDescriptorSlots<Fields...>(),
+                  "a plain response field overlaps the handle descriptors, or a handle lies behind them");
 };
 
 template <typename MemberFunction>
@@ -164,8 +194,26 @@ struct Method {
         "the member function's parameters don't match the method's fields");
 };
 
+template <std::uint16_t... Mids>
+constexpr bool MidsUnique() {
+    constexpr std::array<std::uint16_t, sizeof...(Mids)> mids{Mids...};
+    for (std::size_t i = 0; i < mids.size(); ++i) {
+        for (std::size_t j = i + 1; j < mids.size(); ++j) {
+            if (mids[i] == mids[j]) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+// The methods of an interface. Instantiating the list checks the whole description: the ids, and
+// (by naming their sizes) every request and response with its fields. Proxy<T> and Stub<T> do so.
 template <typename... Methods>
-struct MethodList {};
+struct MethodList {
+    static_assert(MidsUnique<Methods::kMid...>(), "two methods of the interface share a method id");
+    static_assert(((Methods::Request::kSize != 0 && Methods::Response::kSize != 0) && ...));
+};
 
 // Specialised once per IDL interface; see the top of this file.
 template <typename T>

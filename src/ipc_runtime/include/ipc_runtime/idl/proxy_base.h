@@ -37,6 +37,8 @@ template <typename T>
 class ProxyBase : public T {
 public:
     using Description = InterfaceDescription<T>;
+    // Checks the whole description when a proxy is declared, whether or not a method is called.
+    static_assert(sizeof(typename Description::Methods) != 0);
 
     ProxyBase(api_v1::EndpointHandle endpoint, api_v1::SharedResourceProvider resources)
         : m_endpoint(std::move(endpoint)), m_resources(std::move(resources)) {

@@ -17,6 +17,9 @@ namespace hosipc_detail::idl_traits {
 // must outlive the stub; the stub runs on the server loop's thread only and has no lock.
 template <typename T>
 class Stub final : public api_v1::IDispatcher {
+    // Checks the whole description when a stub is declared.
+    static_assert(sizeof(typename InterfaceDescription<T>::Methods) != 0);
+
 public:
     Stub(T* implementation, api_v1::SharedResourceProvider resources)
         : m_implementation(implementation), m_resources(std::move(resources)) {}
