@@ -166,3 +166,28 @@ function(hl_add_subsystem name)
     include("${extra}")
   endforeach()
 endfunction()
+
+# A libFuzzer harness: SOURCES define LLVMFuzzerTestOneInput; CORPUS names the directories of its
+# seed inputs in the repository.
+#   hl_add_fuzzer(NAME SOURCES ... [DEPS ...] [INCLUDES ...] CORPUS dir ...)
+# With HL_FUZZ (the fuzz preset, clang) it is a libFuzzer executable. In other builds with tests it is
+# a plain executable whose main replays every corpus file once, registered with ctest as
+# "<NAME>.ReplayCorpus", so that every CI pass runs the corpora as regression tests.
+option(HL_FUZZ "Build the libFuzzer harnesses (clang only)" OFF)
+function(hl_add_fuzzer name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS;INCLUDES;CORPUS" ${ARGN})
+  if(HL_FUZZ)
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  elseif(HL_BUILD_TESTS)
+    add_executable(${name} ${ARG_SOURCES} "${PROJECT_SOURCE_DIR}/cmake/fuzz/replay_main.cpp")
+    add_test(NAME ${name}.ReplayCorpus COMMAND ${name} ${ARG_CORPUS})
+    set_tests_properties(${name}.ReplayCorpus PROPERTIES LABELS unit TIMEOUT 120
+                                                        ENVIRONMENT "${HL_TEST_ENV}")
+  else()
+    return()
+  endif()
+  target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}" ${ARG_INCLUDES})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPS})
+  hl_apply_warnings(${name})
+endfunction()

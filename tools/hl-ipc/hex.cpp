@@ -30,7 +30,8 @@ std::optional<std::vector<unsigned char>> ParseHex(std::string_view text) {
     std::vector<unsigned char> bytes;
     int high = -1;
     for (const char c : text) {
-        if (c == ' ' || c == ':') {
+        // Any white space, so that hex printed over several lines reads back.
+        if (c == ' ' || c == ':' || c == '\n' || c == '\t' || c == '\r') {
             continue;
         }
         const int value = DigitValue(c);

@@ -8,7 +8,8 @@
 
 namespace hl_ipc {
 
-// Parses pairs of hex digits; spaces, ':' and a leading "0x" are ignored; "" and "-" give no bytes.
+// Parses pairs of hex digits; white space (as FormatHex prints it), ':' and a leading "0x" are
+// ignored; "" and "-" give no bytes.
 // Nothing on an odd number of digits or another character.
 std::optional<std::vector<unsigned char>> ParseHex(std::string_view text);
 // Lower-case hex, a space after every 4 bytes and a line break after every 32.

@@ -52,7 +52,7 @@ TEST(SequencePackArgument, PacksBehindTheCursorWithinBoundsAndRefusesOthersUntou
     }
 }
 
-TEST(SequenceUnpackArgument, RefsOutsideTheArenaAreNotReadAndTooLongNamesItsCause) {
+TEST(SequenceUnpackArgument, RefsOutsideTheReceivedBytesAreNotReadAndTooLongNamesItsCause) {
     std::vector<unsigned char> memory(128, kUntouched);
     nk_arena arena{memory.data(), memory.data() + 100, memory.data() + memory.size()};
     const std::vector<unsigned char> tooLong(129);
@@ -63,7 +63,9 @@ TEST(SequenceUnpackArgument, RefsOutsideTheArenaAreNotReadAndTooLongNamesItsCaus
     } catch (const std::length_error& error) {
         EXPECT_STREQ(error.what(), "?");
     }
-    for (const nk_ptr_t outside : {nk_ptr_t{120, 9}, nk_ptr_t{0, 129}, nk_ptr_t{0xffffffffU, 2}}) {
+    // {96, 8} and {100, 1} lie inside the arena's memory but behind its received bytes.
+    for (const nk_ptr_t outside :
+         {nk_ptr_t{120, 9}, nk_ptr_t{0, 129}, nk_ptr_t{0xffffffffU, 2}, nk_ptr_t{96, 8}, nk_ptr_t{100, 1}}) {
         EXPECT_THROW(ByteSequence::UnpackArgument(outside, &arena), std::runtime_error) << outside.offset;
     }
     const nk_arena empty{nullptr, nullptr, nullptr};

@@ -15,6 +15,8 @@
 #include <platform/nk_result.h>
 #include <platform/runtime_directory.h>
 
+#include "registry/registry_entry_text.h"
+
 namespace hos::platform {
 namespace {
 
@@ -44,27 +46,11 @@ std::optional<RegistryEntry> ReadEntry(const std::string& root, const std::strin
     if (!file) {
         return std::nullopt;
     }
-    RegistryEntry entry;
-    entry.type = type;
-    std::string line;
-    while (std::getline(file, line)) {
-        const auto equals = line.find('=');
-        if (equals == std::string::npos) {
-            continue;
-        }
-        const std::string key = line.substr(0, equals);
-        const std::string value = line.substr(equals + 1);
-        if (key == "server") {
-            entry.server = value;
-        } else if (key == "endpoint") {
-            entry.endpoint = value;
-        } else if (key == "pid") {
-            entry.pid = static_cast<pid_t>(std::strtol(value.c_str(), nullptr, 10));
-        }
-    }
-    if (!IsValidPlatformName(entry.server) || !IsValidPlatformName(entry.endpoint)) {
+    std::ostringstream text;
+    text << file.rdbuf();
+    auto entry = ParseRegistryEntry(type, text.str());
+    if (!entry) {
         HL_LOG(LogLevel::Warning, "Registry entry {} is malformed and is ignored", type);
-        return std::nullopt;
     }
     return entry;
 }
@@ -104,7 +90,9 @@ int ServiceRegistry::Publish(const RegistryEntry& entry) {
                                  std::to_string(counter++);
     {
         std::ofstream file(tempPath, std::ios::trunc);
-        file << "server=" << entry.server << "\nendpoint=" << entry.endpoint << "\npid=" << pid << "\n";
+        RegistryEntry written = entry;
+        written.pid = pid;
+        file << FormatRegistryEntry(written);
         if (!file.flush()) {
             HL_LOG(LogLevel::Error, "Registry: cannot write {}", tempPath);
             ::unlink(tempPath.c_str());

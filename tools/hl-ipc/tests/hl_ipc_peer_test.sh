@@ -33,6 +33,8 @@ assert listing["servers"] == [{"name": "ipc-peer", "state": "live"}], listing
 expect "list with a stray argument" 1 "$hl_ipc" list --jsn
 expect "call" 0 "$hl_ipc" call ipc-peer echo - 0 "0x0102 03:04" --arena 6869
 shows "fields (4 bytes): 01020304"; shows "arena (2 bytes): 6869"
+expect "call with hex over two lines" 0 "$hl_ipc" call ipc-peer echo - 0 "$(printf '01020304\n  05060708')"
+shows "fields (8 bytes): 01020304 05060708"
 expect "server failure" 4 "$hl_ipc" call ipc-peer echo 1 8 -
 expect "absent server" 2 "$hl_ipc" call nobody echo 1 0 -; shows "0x90000013"
 expect "timed-out call" 3 "$hl_ipc" call ipc-peer echo 1 2 e8030000 --timeout 100

@@ -68,8 +68,10 @@ public:
         out->size = static_cast<std::uint32_t>(bytes);
     }
 
-    // Reads the elements that ref names in the arena from start to end. Throws std::runtime_error
-    // when ref lies outside the arena or names more than MaxCount elements.
+    // Reads the elements that ref names among the arena's received bytes, from its start to its
+    // cursor: the bytes behind the cursor are left over from an earlier message (perhaps another
+    // client's) and are never read. Throws std::runtime_error when ref lies outside those bytes or
+    // names more than MaxCount elements.
     static std::vector<T> UnpackArgument(const nk_ptr_t& ref, const nk_arena* arena) {
         if (ref.size > kMaxBytes || ref.size % sizeof(T) != 0) {
             throw std::runtime_error("sequence in the request is too long");
@@ -82,9 +84,10 @@ public:
             throw std::runtime_error("sequence in the request lies outside its arena");
         }
         const auto* start = static_cast<const unsigned char*>(arena->start);
+        const auto* received = static_cast<const unsigned char*>(arena->cursor);
         const auto* end = static_cast<const unsigned char*>(arena->end);
-        if (start == nullptr || end < start ||
-            std::uint64_t{ref.offset} + ref.size > static_cast<std::uint64_t>(end - start)) {
+        if (start == nullptr || received < start || received > end ||
+            std::uint64_t{ref.offset} + ref.size > static_cast<std::uint64_t>(received - start)) {
             throw std::runtime_error("sequence in the request lies outside its arena");
         }
         std::memcpy(value.data(), start + ref.offset, ref.size);
