@@ -6,6 +6,8 @@ set -euo pipefail
 PACKAGES=(
   # toolchain
   build-essential cmake ninja-build ccache clang-format pkg-config git
+  # the fuzz preset: clang and its libFuzzer runtime
+  clang-14 libclang-rt-14-dev
   # libraries
   qt6-base-dev qt6-base-dev-tools qt6-declarative-dev qt6-declarative-dev-tools
   qt6-wayland-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-qpa-plugins
