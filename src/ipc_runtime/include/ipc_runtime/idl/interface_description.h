@@ -1,8 +1,9 @@
 #pragma once
 
 // The vocabulary in which an IDL interface is described once: its methods with their ids, message
-// sizes, field offsets, arena sizes and handle counts. Proxy<T> and Stub<T> are produced from such a
-// description, so adding an interface costs a description and nothing else of the codec.
+// sizes, field offsets, arena sizes (of requests and responses) and handle counts (both ways). Proxy<T> and
+// Stub<T> are produced from such a description, so adding an interface costs a description and nothing else
+// of the codec.
 //
 // An interface T is described by specialising InterfaceDescription<T>:
 //
@@ -42,23 +43,38 @@ namespace hosipc_detail::idl_traits {
 using ByteSequence = stdcpp_v1::Sequence<stdcpp_v1::Primitive<unsigned char, unsigned char>, 128ul>;
 using stdcpp_v1::MessageHeader;
 
-// A byte sequence of at most 128 bytes: an nk_ptr_t at Offset into the request arena. Input only.
-template <std::uint32_t Offset>
+// Every field states kOffset, kEnd (its bytes in the message), kArenaBytes (what it may take of its
+// message's arena) and kHandles. An input field has In (the parameter type), Pack (proxy) and Unpack
+// (stub); an output field has Out, Store (stub) and Load (proxy). Pack and Store write into the
+// message's arena, Unpack and Load read the received one.
+
+// A byte sequence of at most MaxBytes bytes: an nk_ptr_t at Offset into the message's arena. As an
+// input it goes into the request arena; as an output into the response arena, which the proxy then
+// allocates and the server loop provides.
+template <std::uint32_t Offset, std::uint32_t MaxBytes = 128>
 struct SequenceArg {
+    using Codec = stdcpp_v1::Sequence<stdcpp_v1::Primitive<unsigned char, unsigned char>, MaxBytes>;
     using Value = std::vector<unsigned char>;
     using In = const Value&;
+    using Out = Value&;
     static constexpr std::uint32_t kOffset = Offset;
     static constexpr std::uint32_t kEnd = Offset + sizeof(nk_ptr_t);
-    static constexpr std::uint32_t kArenaBytes = ByteSequence::kMaxBytes;
+    static constexpr std::uint32_t kArenaBytes = MaxBytes;
     static constexpr std::uint32_t kHandles = 0;
 
     static void Pack(nk_message* message, In value, nk_arena* arena) {
         nk_ptr_t ref{};
-        ByteSequence::PackArgument(&value, &ref, arena);
+        Codec::PackArgument(&value, &ref, arena);
         MessageHeader::Write(message, Offset, ref);
     }
     static Value Unpack(const nk_message* message, const nk_arena* arena) {
-        return ByteSequence::UnpackArgument(MessageHeader::Read<nk_ptr_t>(message, Offset), arena);
+        return Codec::UnpackArgument(MessageHeader::Read<nk_ptr_t>(message, Offset), arena);
+    }
+    static void Store(nk_message* message, const Value& value, nk_arena* arena) {
+        Pack(message, value, arena);
+    }
+    static void Load(const nk_message* message, Out out, const nk_arena* arena) {
+        out = Unpack(message, arena);
     }
 };
 
@@ -80,17 +96,21 @@ struct ValueArg {
     static Value Unpack(const nk_message* message, const nk_arena* /*arena*/) {
         return MessageHeader::Read<T>(message, Offset);
     }
-    static void Store(nk_message* message, const Value& value) {
+    static void Store(nk_message* message, const Value& value, nk_arena* /*arena*/ = nullptr) {
         MessageHeader::Write(message, Offset, value);
     }
-    static void Load(const nk_message* message, Out out) { out = MessageHeader::Read<T>(message, Offset); }
+    static void Load(const nk_message* message, Out out, const nk_arena* /*arena*/ = nullptr) {
+        out = MessageHeader::Read<T>(message, Offset);
+    }
 };
 
 // A handle descriptor of 16 bytes at Offset; the low 24 bits of its first word are the handle, and
-// 0xffffff there stands for the invalid handle 0xffffffff. Output only.
+// 0xffffff there stands for the invalid handle 0xffffffff. Input or output; the descriptors of a
+// message lie right behind its header, and the size word counts them.
 template <std::uint32_t Offset>
 struct HandleArg {
     using Value = unsigned int;
+    using In = unsigned int;
     using Out = unsigned int&;
     static constexpr std::uint32_t kOffset = Offset;
     static constexpr std::uint32_t kEnd = Offset + MessageHeader::kHandleDescriptorSize;
@@ -99,18 +119,94 @@ struct HandleArg {
     static constexpr std::uint32_t kHandleMask = 0xffffffU;
     static constexpr unsigned int kInvalidHandle = 0xffffffffU;
 
-    static void Store(nk_message* message, const Value& handle) {
+    static void Pack(nk_message* message, In handle, nk_arena* /*arena*/) {
         std::uint32_t words[4] = {handle & kHandleMask, 0, 0, 0};
         MessageHeader::Write(message, Offset, words);
     }
-    static void Load(const nk_message* message, Out out) {
+    static Value Unpack(const nk_message* message, const nk_arena* /*arena*/) {
         const std::uint32_t handle = MessageHeader::Read<std::uint32_t>(message, Offset) & kHandleMask;
-        out = handle == kHandleMask ? kInvalidHandle : handle;
+        return handle == kHandleMask ? kInvalidHandle : handle;
+    }
+    static void Store(nk_message* message, const Value& handle, nk_arena* arena = nullptr) {
+        Pack(message, handle, arena);
+    }
+    static void Load(const nk_message* message, Out out, const nk_arena* arena = nullptr) {
+        out = Unpack(message, arena);
     }
 };
 
+// The caller's own request arena of at most MaxBytes, sent as it stands (start to cursor), for a
+// method whose arena holds a structure the caller lays out itself; the fields that point into it are
+// ValueArg<nk_ptr_t, ...>. Takes no message bytes and must be the request's only arena user. The
+// server's implementation gets the received request arena (its cursor behind the received bytes).
+template <std::uint32_t MaxBytes>
+struct ArenaIn {
+    using Value = nk_arena;
+    using In = const nk_arena&;
+    static constexpr bool kCallerArena = true;
+    static constexpr std::uint32_t kOffset = 0;
+    static constexpr std::uint32_t kEnd = 0;
+    static constexpr std::uint32_t kArenaBytes = MaxBytes;
+    static constexpr std::uint32_t kHandles = 0;
+
+    // The proxy sends the argument itself as the request arena.
+    static void Pack(nk_message* /*message*/, In /*value*/, nk_arena* /*arena*/) {}
+    static Value Unpack(const nk_message* /*message*/, const nk_arena* arena) {
+        return arena != nullptr ? *arena : nk_arena{nullptr, nullptr, nullptr};
+    }
+};
+
+// The caller's own response arena, of MaxBytes as the server loop must provide them: the proxy
+// receives the response arena into the argument (start to end the room, cursor behind the received
+// bytes afterwards). The server's implementation gets the response arena with its cursor at start,
+// writes from there and moves the cursor behind what it wrote. Takes no message bytes and must be the
+// response's only arena user.
+template <std::uint32_t MaxBytes>
+struct ArenaOut {
+    using Value = nk_arena;
+    using Out = nk_arena&;
+    static constexpr bool kCallerArena = true;
+    static constexpr std::uint32_t kOffset = 0;
+    static constexpr std::uint32_t kEnd = 0;
+    static constexpr std::uint32_t kArenaBytes = MaxBytes;
+    static constexpr std::uint32_t kHandles = 0;
+
+    static void Store(nk_message* /*message*/, const Value& written, nk_arena* arena) {
+        if (arena != nullptr && written.start == arena->start && written.cursor >= arena->start &&
+            written.cursor <= arena->end) {
+            arena->cursor = written.cursor;
+        }
+    }
+    // The transport has received into the argument already.
+    static void Load(const nk_message* /*message*/, Out /*out*/, const nk_arena* /*arena*/) {}
+};
+
 template <typename Field>
-concept FixedField = Field::kOffset >= MessageHeader::kHeaderSize&& Field::kEnd > Field::kOffset;
+concept CallerArenaField = Field::kCallerArena;
+
+// Position of the caller-arena field among Fields, or sizeof...(Fields) when there is none.
+template <typename... Fields>
+constexpr std::size_t CallerArenaIndex() {
+    constexpr bool flags[] = {CallerArenaField<Fields>..., false};
+    for (std::size_t i = 0; i < sizeof...(Fields); ++i) {
+        if (flags[i]) {
+            return i;
+        }
+    }
+    return sizeof...(Fields);
+}
+
+// True when a caller arena, if any, is the only field that uses the message's arena.
+template <typename... Fields>
+constexpr bool CallerArenaAlone() {
+    constexpr std::size_t callerArenas = ((CallerArenaField<Fields> ? 1U : 0U) + ... + 0U);
+    constexpr std::size_t arenaUsers = ((Fields::kArenaBytes != 0 ? 1U : 0U) + ... + 0U);
+    return callerArenas == 0 || (callerArenas == 1 && arenaUsers == 1);
+}
+
+template <typename Field>
+concept FixedField = CallerArenaField<Field> ||
+    (Field::kOffset >= MessageHeader::kHeaderSize && Field::kEnd > Field::kOffset);
 
 // True when no two of the fields share a byte: [kOffset, kEnd) ranges pairwise apart.
 template <FixedField... Fields>
@@ -131,9 +227,11 @@ constexpr bool FieldsApart() {
 // and the plain fields stay behind the last slot.
 template <FixedField... Fields>
 constexpr bool HandlesInDescriptorSlots() {
-    constexpr std::uint32_t slotsEnd =
+    [[maybe_unused]] constexpr std::uint32_t slotsEnd =
         MessageHeader::kHeaderSize + MessageHeader::kHandleDescriptorSize * (Fields::kHandles + ... + 0U);
-    return (((Fields::kHandles != 0) ? Fields::kEnd <= slotsEnd : Fields::kOffset >= slotsEnd) && ...);
+    return (((Fields::kHandles != 0) ? Fields::kEnd <= slotsEnd
+                                     : (Fields::kOffset == Fields::kEnd || Fields::kOffset >= slotsEnd)) &&
+            ...);
 }
 
 // The request of a method: its whole size, the size of its arena, and its input fields in order.
@@ -142,18 +240,26 @@ struct Request {
     static constexpr std::uint32_t kSize = Size;
     static constexpr std::uint32_t kArenaSize = ArenaSize;
     static constexpr std::uint32_t kHandles = (Fields::kHandles + ... + 0U);
-    static_assert(kHandles == 0, "requests carry no handles");
+    static constexpr std::uint32_t kSizeWord = MessageHeader::MakeSizeWord(Size, kHandles);
+    static constexpr std::size_t kCallerArena = CallerArenaIndex<Fields...>();
     static_assert(Size >= MessageHeader::kHeaderSize, "a request is shorter than the message header");
     static_assert(((Fields::kEnd <= Size) && ...), "a request field lies behind the message");
     static_assert(FieldsApart<Fields...>(), "two request fields overlap");
     static_assert((Fields::kArenaBytes + ... + 0U) <= ArenaSize,
                   "the request arena can't hold its sequences");
+    static_assert(HandlesInDescriptorSlots<Fields...>(),
+                  "a plain request field overlaps the handle descriptors, or a handle lies behind them");
+    static_assert(CallerArenaAlone<Fields...>(),
+                  "a caller's request arena shares the arena with another field");
 };
 
-// The response of a method: its whole size and its output fields in order.
+// The response of a method: its whole size and its output fields in order. Its arena is as large as
+// its fields need (0: the response has none).
 template <std::uint32_t Size, FixedField... Fields>
 struct Response {
     static constexpr std::uint32_t kSize = Size;
+    static constexpr std::uint32_t kArenaSize = (Fields::kArenaBytes + ... + 0U);
+    static constexpr std::size_t kCallerArena = CallerArenaIndex<Fields...>();
     static constexpr std::uint32_t kHandles = (Fields::kHandles + ... + 0U);
     static constexpr std::uint32_t kSizeWord = MessageHeader::MakeSizeWord(Size, kHandles);
     static_assert(Size >= MessageHeader::kHeaderSize, "a response is shorter than the message header");
@@ -161,6 +267,8 @@ struct Response {
     static_assert(FieldsApart<Fields...>(), "two response fields overlap");
     static_assert(HandlesInDescriptorSlots<Fields...>(),
                   "a plain response field overlaps the handle descriptors, or a handle lies behind them");
+    static_assert(CallerArenaAlone<Fields...>(),
+                  "a caller's response arena shares the arena with another field");
 };
 
 template <typename MemberFunction>

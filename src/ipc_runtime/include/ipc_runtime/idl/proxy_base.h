@@ -30,9 +30,21 @@ struct MessageBuffer {
     nk_message* Get() { return &header; }
 };
 
+// Thrown by a proxy when the transport's call fails: the text "<prefix><Method> transport error" and
+// the transport's result (NK_TRANSPORT_TIMEOUT, -11, when the call timeout ran out).
+class TransportError : public std::runtime_error {
+public:
+    TransportError(const std::string& text, int result) : std::runtime_error(text), m_result(result) {}
+    int Result() const { return m_result; }
+
+private:
+    int m_result;
+};
+
 // What every generated proxy has: the endpoint it owns, a share of the runtime's resources and the
-// platform transport over the endpoint's handle, whose timeouts are all "no limit". A call blocks the
-// calling thread until the reply has come. One thread at a time; no lock.
+// platform transport over the endpoint's handle, whose timeouts are "no limit" until SetTimeouts. A
+// call blocks the calling thread until the reply has come or the call timeout runs out. One thread at
+// a time; no lock.
 template <typename T>
 class ProxyBase : public T {
 public:
@@ -51,15 +63,22 @@ public:
     const api_v1::EndpointHandle& GetEndpoint() const { return m_endpoint; }
     const api_v1::SharedResourceProvider& GetResources() const { return m_resources; }
 
+    // Receive and call timeouts of the transport, in milliseconds, for every later call;
+    // NK_TIMEOUT_INFINITE means no limit, 0 not to wait at all.
+    void SetTimeouts(unsigned int receiveMs, unsigned int callMs) {
+        NkHosSetTransportTimeouts(&m_transport, receiveMs, callMs);
+    }
+
     // Lets a test put a transport of its own under the proxy.
     NkHosTransport& TransportForTesting() { return m_transport; }
 
 protected:
     // Sends the request of method M built from the leading arguments (the inputs), waits for the
     // response and stores its fields into the trailing arguments (the outputs). Throws
-    // std::runtime_error "<prefix><Method> transport error" when the transport fails and
+    // TransportError "<prefix><Method> transport error" when the transport fails and
     // "<prefix><Method> server error" when the server did; std::length_error "?" or std::runtime_error
-    // "failed to allocate space in the arena" for an input that doesn't fit, before anything is sent.
+    // "failed to allocate space in the arena" for an input that doesn't fit (a caller's own request
+    // arena included), before anything is sent.
     template <typename M, typename... Args>
     void Invoke(Args&&... args) {
         auto arguments = std::forward_as_tuple(std::forward<Args>(args)...);
@@ -75,27 +94,50 @@ private:
         MessageBuffer<RS> request;
         MessageHeader::SetIid(request.Get(), m_endpoint.GetRiid());
         MessageHeader::SetMid(request.Get(), M::kMid);
-        MessageHeader::SetSizeWord(request.Get(), MessageHeader::MakeSizeWord(RS, 0));
+        MessageHeader::SetSizeWord(request.Get(), Request<RS, RA, In...>::kSizeWord);
         // The transport takes the room for the response, handles included, from its size word.
         MessageBuffer<PS> response;
         MessageHeader::SetIid(response.Get(), m_endpoint.GetRiid());
         MessageHeader::SetMid(response.Get(), M::kMid);
         MessageHeader::SetSizeWord(response.Get(), Response<PS, Out...>::kSizeWord);
 
-        std::unique_ptr<unsigned char[]> arenaMemory(RA == 0 ? nullptr : new unsigned char[RA]());
-        nk_arena requestArena{arenaMemory.get(), arenaMemory.get(), arenaMemory.get() + RA};
-        nk_arena responseArena{nullptr, nullptr, nullptr};
-        PackInputs<In...>(request.Get(), &requestArena, arguments, std::index_sequence_for<In...>{});
+        // A caller's own arena is sent or received as it is; other arenas are allocated per call.
+        constexpr std::size_t kRequestArena = Request<RS, RA, In...>::kCallerArena;
+        constexpr std::size_t kResponseArena = Response<PS, Out...>::kCallerArena;
+        constexpr std::uint32_t kResponseArenaSize = Response<PS, Out...>::kArenaSize;
+        std::unique_ptr<unsigned char[]> arenaMemory(
+            RA == 0 || kRequestArena < sizeof...(In) ? nullptr : new unsigned char[RA]());
+        nk_arena ownRequestArena{arenaMemory.get(), arenaMemory.get(),
+                                 arenaMemory ? arenaMemory.get() + RA : nullptr};
+        const nk_arena* requestArena = &ownRequestArena;
+        if constexpr (kRequestArena < sizeof...(In)) {
+            requestArena = &std::get<kRequestArena>(arguments);
+            if (nk_arena_used(requestArena) > RA) {
+                throw std::runtime_error("failed to allocate space in the arena");
+            }
+        }
+        std::unique_ptr<unsigned char[]> responseMemory(kResponseArenaSize == 0 ||
+                                                                kResponseArena < sizeof...(Out)
+                                                            ? nullptr
+                                                            : new unsigned char[kResponseArenaSize]());
+        nk_arena ownResponseArena{responseMemory.get(), responseMemory.get(),
+                                  responseMemory.get() + (responseMemory ? kResponseArenaSize : 0)};
+        nk_arena* responseArena = &ownResponseArena;
+        if constexpr (kResponseArena < sizeof...(Out)) {
+            responseArena = &std::get<sizeof...(In) + kResponseArena>(arguments);
+        }
+        PackInputs<In...>(request.Get(), &ownRequestArena, arguments, std::index_sequence_for<In...>{});
 
         const int result =
-            m_transport.ops->call(&m_transport, request.Get(), &requestArena, response.Get(), &responseArena);
+            m_transport.ops->call(&m_transport, request.Get(), requestArena, response.Get(), responseArena);
         if (result != 0) {
-            throw std::runtime_error(FailureText<M>(" transport error"));
+            throw TransportError(FailureText<M>(" transport error"), result);
         }
         if (MessageHeader::IsServerFailure(response.Get())) {
             throw std::runtime_error(FailureText<M>(" server error"));
         }
-        LoadOutputs<sizeof...(In), Out...>(response.Get(), arguments, std::index_sequence_for<Out...>{});
+        LoadOutputs<sizeof...(In), Out...>(response.Get(), responseArena, arguments,
+                                           std::index_sequence_for<Out...>{});
     }
 
     template <typename... In, typename Arguments, std::size_t... I>
@@ -106,8 +148,9 @@ private:
 
     template <std::size_t First, typename... Out, typename Arguments, std::size_t... O>
     static void LoadOutputs([[maybe_unused]] const nk_message* response,
+                            [[maybe_unused]] const nk_arena* responseArena,
                             [[maybe_unused]] Arguments& arguments, std::index_sequence<O...>) {
-        (Out::Load(response, std::get<First + O>(arguments)), ...);
+        (Out::Load(response, std::get<First + O>(arguments), responseArena), ...);
     }
 
     template <typename M>

@@ -29,26 +29,37 @@ public:
     // word, or, when the implementation threw (or the request was malformed), the bare failure word
     // 0x80000018. Exceptions of the implementation are swallowed without a trace.
     void DispatchRequest(unsigned short /*riid*/, const nk_message* request, const nk_arena* requestArena,
-                         nk_message* response, nk_arena* /*responseArena*/) override {
-        Dispatch(typename InterfaceDescription<T>::Methods{}, request, requestArena, response);
+                         nk_message* response, nk_arena* responseArena) override {
+        Dispatch(typename InterfaceDescription<T>::Methods{}, request, requestArena, response, responseArena);
     }
 
 private:
     template <typename... Methods>
     void Dispatch(MethodList<Methods...>, const nk_message* request, const nk_arena* requestArena,
-                  nk_message* response) {
+                  nk_message* response, nk_arena* responseArena) {
         const std::uint16_t mid = MessageHeader::Mid(request);
-        (void)((Methods::kMid == mid && (Serve<Methods>(request, requestArena, response), true)) || ...);
+        (void)((Methods::kMid == mid &&
+                (Serve<Methods>(request, requestArena, response, responseArena), true)) ||
+               ...);
     }
 
     template <typename M>
-    void Serve(const nk_message* request, const nk_arena* requestArena, nk_message* response) {
+    void Serve(const nk_message* request, const nk_arena* requestArena, nk_message* response,
+               nk_arena* responseArena) {
         const std::uint16_t iid = MessageHeader::Iid(request);
+        // The response arena sends what is written from its start; a failure sends none of it.
+        if (responseArena != nullptr) {
+            responseArena->cursor = responseArena->start;
+        }
         try {
-            ServeFields<M>(typename M::Request{}, typename M::Response{}, request, requestArena, response);
+            ServeFields<M>(typename M::Request{}, typename M::Response{}, request, requestArena, response,
+                           responseArena);
             MessageHeader::SetSizeWord(response, M::Response::kSizeWord);
         } catch (...) {
             MessageHeader::SetSizeWord(response, MessageHeader::kServerFailureWord);
+            if (responseArena != nullptr) {
+                responseArena->cursor = responseArena->start;
+            }
         }
         MessageHeader::SetIid(response, iid);
         MessageHeader::SetMid(response, M::kMid);
@@ -57,11 +68,11 @@ private:
     template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS,
               typename... Out>
     void ServeFields(Request<RS, RA, In...>, Response<PS, Out...>, const nk_message* request,
-                     const nk_arena* requestArena, nk_message* response) {
+                     const nk_arena* requestArena, nk_message* response, nk_arena* responseArena) {
         std::tuple<typename In::Value...> inputs = DecodeInputs<M, RS, In...>(request, requestArena);
-        std::tuple<typename Out::Value...> outputs{};
+        std::tuple<typename Out::Value...> outputs{InitialOutput<Out>(responseArena)...};
         Call<M>(inputs, outputs, std::index_sequence_for<In...>{}, std::index_sequence_for<Out...>{});
-        StoreOutputs<Out...>(response, outputs, std::index_sequence_for<Out...>{});
+        StoreOutputs<Out...>(response, responseArena, outputs, std::index_sequence_for<Out...>{});
     }
 
     // A request that doesn't fit its description is logged here and answered as a server failure.
@@ -86,10 +97,24 @@ private:
         (m_implementation->*M::kFunction)(std::get<I>(inputs)..., std::get<O>(outputs)...);
     }
 
+    // What the implementation finds in an output: the response arena for a caller-arena field, else
+    // a value-initialised one.
+    template <typename Out>
+    static typename Out::Value InitialOutput([[maybe_unused]] nk_arena* responseArena) {
+        if constexpr (CallerArenaField<Out>) {
+            if (responseArena == nullptr) {
+                throw std::runtime_error("the method needs a response arena");
+            }
+            return *responseArena;
+        } else {
+            return typename Out::Value{};
+        }
+    }
+
     template <typename... Out, typename Outputs, std::size_t... O>
-    static void StoreOutputs([[maybe_unused]] nk_message* response, [[maybe_unused]] const Outputs& outputs,
-                             std::index_sequence<O...>) {
-        (Out::Store(response, std::get<O>(outputs)), ...);
+    static void StoreOutputs([[maybe_unused]] nk_message* response, [[maybe_unused]] nk_arena* responseArena,
+                             [[maybe_unused]] const Outputs& outputs, std::index_sequence<O...>) {
+        (Out::Store(response, std::get<O>(outputs), responseArena), ...);
     }
 
     T* m_implementation;

@@ -1,0 +1,11 @@
+#include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
+
+namespace hosipc_detail::idl_traits {
+
+std::unique_ptr<hosipc::idl::stdcpp_v1::hl::settings_manager::NkISM, api_v1::IpcDeleter> MakeProxyImpl(
+    const hosipc::api_v1::IConnector& connector, const api_v1::SharedResourceProvider& resources,
+    ProxyBait<hosipc::idl::stdcpp_v1::hl::settings_manager::NkISM>* /*bait*/) {
+    return MakeGeneratedProxy<hosipc::idl::stdcpp_v1::hl::settings_manager::NkISM>(connector, resources);
+}
+
+}  // namespace hosipc_detail::idl_traits
