@@ -253,6 +253,19 @@ TEST(NkISMCodecTest, WriteAndWriteNextSendTheCallersOwnArena) {
     loopback.request.clear();
     EXPECT_THROW(proxy->WriteNext(tooFull, 77, nk_ptr_t{0, 0}, 1, rc), std::runtime_error);
     EXPECT_TRUE(loopback.request.empty());
+
+    // The stub refuses such an arena from a peer that isn't this proxy: a bare server failure.
+    alignas(8) unsigned char request[48] = {};
+    alignas(8) unsigned char response[32] = {};
+    const std::uint32_t header[] = {kRiid | 3u << 16, 48};
+    std::memcpy(request, header, sizeof header);
+    const std::size_t before = service.received.size();
+    hosipc_detail::api_v1::IDispatcher& dispatcher = stub;
+    dispatcher.DispatchRequest(kRiid, reinterpret_cast<const nk_message*>(request), &tooFull,
+                               reinterpret_cast<nk_message*>(response), nullptr);
+    EXPECT_EQ(nk_message_size(reinterpret_cast<const nk_message*>(response)), 24u);
+    EXPECT_TRUE(nk_message_failed(reinterpret_cast<const nk_message*>(response)));
+    EXPECT_EQ(service.received.size(), before);
 }
 
 TEST(NkISMCodecTest, SmallMethodsHaveTheirOffsetsAndAFailingServiceSendsNoArena) {

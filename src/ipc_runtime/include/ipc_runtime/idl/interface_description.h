@@ -34,6 +34,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <stdexcept>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -151,7 +152,11 @@ struct ArenaIn {
 
     // The proxy sends the argument itself as the request arena.
     static void Pack(nk_message* /*message*/, In /*value*/, nk_arena* /*arena*/) {}
+    // A received arena with more bytes than the method allows is refused (a server failure).
     static Value Unpack(const nk_message* /*message*/, const nk_arena* arena) {
+        if (nk_arena_used(arena) > MaxBytes) {
+            throw std::runtime_error("the request's arena is larger than its method allows");
+        }
         return arena != nullptr ? *arena : nk_arena{nullptr, nullptr, nullptr};
     }
 };
