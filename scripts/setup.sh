@@ -15,8 +15,12 @@ PACKAGES=(
   qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtqml-workerscript
   qml6-module-qttest qml6-module-qtqml qml6-module-qtquick-shapes
   libfmt-dev libxkbcommon-dev libwayland-dev libgtest-dev libgmock-dev libbenchmark-dev
+  # hl-appmgr reports to systemd (sd_notify)
+  libsystemd-dev
   # runtime of the hosted platform: fonts, X server for real-window tests, image tools
   fontconfig fonts-dejavu-core xvfb xauth librsvg2-bin
+  # the headless session of run.sh: real X clicks (xdotool), a screenshot (xwd, convert)
+  xdotool x11-apps imagemagick
   # the Python peer and the JSON checks of the tool tests
   python3
 )

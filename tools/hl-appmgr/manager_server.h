@@ -1,0 +1,41 @@
+// The application manager's server: registers the server channel, declares the component tree
+// with the three endpoints (controller 1, commands 2, watchdog 3), publishes the type
+// "hl.app_manager.ApplicationManager.applicationManager" and serves requests on a thread of its
+// own (receive timeout 500 ms, so Stop is seen within half a second).
+// Thread: Start/Stop from one thread; the services run on the server thread.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "manager_services.h"
+
+namespace hl_appmgr {
+
+class ManagerServer {
+public:
+    static constexpr const char* kPublishedType = "hl.app_manager.ApplicationManager.applicationManager";
+    static constexpr const char* kServerName = "applicationManager_id";
+
+    explicit ManagerServer(std::shared_ptr<ManagerServices> services);
+    ~ManagerServer();
+    ManagerServer(const ManagerServer&) = delete;
+    ManagerServer& operator=(const ManagerServer&) = delete;
+
+    // Registers, publishes and starts serving. False (logged) when the server can't be set up,
+    // for instance when another manager serves in this runtime directory.
+    bool Start();
+    void Stop();
+
+private:
+    void Serve();
+
+    std::shared_ptr<ManagerServices> m_services;
+    unsigned int m_channel;
+    std::atomic<bool> m_stop{false};
+    std::thread m_thread;
+};
+
+}  // namespace hl_appmgr

@@ -1,0 +1,351 @@
+#include "supervisor.h"
+
+#include <diagnostics/log.h>
+#include <platform/kn_channel.h>
+#include <platform/kn_notice.h>
+#include <platform/nk_result.h>
+#include <platform/platform.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+#include "core/command_box.h"
+
+namespace hl_appmgr {
+
+namespace {
+
+using hos::logger::LogLevel;
+
+std::int64_t UnixMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+std::int64_t MonotonicMs(Supervisor::Clock::time_point at) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(at.time_since_epoch()).count();
+}
+
+std::string_view EndKindName(EndKind kind) {
+    switch (kind) {
+        case EndKind::Clean:
+            return "clean exit";
+        case EndKind::Failure:
+            return "abnormal exit";
+        case EndKind::FailedStart:
+            return "failed start";
+        case EndKind::Hung:
+            return "hung";
+    }
+    return "?";
+}
+
+}  // namespace
+
+Supervisor::App::App(Unit u) : unit(std::move(u)), restarts(unit), updateHandle(NK_INVALID_HANDLE) {}
+
+Supervisor::Supervisor(std::vector<Unit> units) {
+    m_apps.reserve(units.size());
+    for (Unit& unit : units) {
+        m_apps.emplace_back(std::move(unit));
+    }
+}
+
+Supervisor::~Supervisor() {
+    for (App& app : m_apps) {
+        if (app.updateHandle != NK_INVALID_HANDLE) {
+            KnHandleClose(app.updateHandle);
+        }
+    }
+}
+
+Supervisor::App* Supervisor::Find(const std::string& name) {
+    for (App& app : m_apps) {
+        if (app.unit.name == name) {
+            return &app;
+        }
+    }
+    return nullptr;
+}
+
+long Supervisor::PidOf(const std::string& name) {
+    const App* app = Find(name);
+    return app != nullptr ? static_cast<long>(app->pid) : -1;
+}
+
+void Supervisor::StartAll() {
+    std::lock_guard lock(m_mutex);
+    for (App& app : m_apps) {
+        Spawn(app);
+    }
+}
+
+void Supervisor::Spawn(App& app) {
+    std::vector<std::string> argvText;
+    argvText.push_back(app.unit.name);
+    argvText.insert(argvText.end(), app.unit.arguments.begin(), app.unit.arguments.end());
+    std::vector<char*> argv;
+    for (std::string& text : argvText) {
+        argv.push_back(text.data());
+    }
+    argv.push_back(nullptr);
+
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        for (const auto& [key, value] : app.unit.environment) {
+            ::setenv(key.c_str(), value.c_str(), 1);
+        }
+        ::execvp(app.unit.program.c_str(), argv.data());
+        std::fprintf(stderr, "hl-appmgr: can't start %s: %s\n", app.unit.program.c_str(),
+                     std::strerror(errno));
+        ::_exit(127);
+    }
+    const auto now = Clock::now();
+    app.restarts.NoteStart(MonotonicMs(now));
+    if (pid < 0) {
+        HL_LOG(LogLevel::Error, "{}: fork failed: {}", app.unit.name, std::strerror(errno));
+        app.pid = 0;
+        Ended(app, 127 << 8);
+        return;
+    }
+    app.pid = pid;
+    app.state = "starting";
+    app.shownUI = false;
+    app.failedStart = false;
+    app.hungKill = false;
+    app.lastPingUnixMs = -1;
+    HL_LOG(LogLevel::Info, "{}[{}]: started {}", app.unit.name, pid, app.unit.program);
+}
+
+void Supervisor::Ended(App& app, int status) {
+    const pid_t pid = app.pid;
+    app.pid = 0;
+    EndKind kind = EndKind::Failure;
+    if (app.hungKill) {
+        kind = EndKind::Hung;
+    } else if (app.failedStart) {
+        kind = EndKind::FailedStart;
+    } else if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
+        kind = EndKind::Clean;
+    }
+    if (WIFSIGNALED(status)) {
+        HL_LOG(LogLevel::Info, "{}[{}]: killed by signal {} ({})", app.unit.name, pid, WTERMSIG(status),
+               EndKindName(kind));
+    } else {
+        HL_LOG(LogLevel::Info, "{}[{}]: exited with status {} ({})", app.unit.name, pid, WEXITSTATUS(status),
+               EndKindName(kind));
+    }
+    if (app.stopping) {
+        app.state = "stopped";
+        return;
+    }
+    const RestartDecision decision = app.restarts.Decide(kind, MonotonicMs(Clock::now()));
+    if (decision.restart) {
+        app.state = "waiting-restart";
+        app.restartAt = Clock::now() + std::chrono::milliseconds(decision.delayMs);
+        HL_LOG(LogLevel::Info, "{}: restarting in {} ms", app.unit.name, decision.delayMs);
+    } else if (decision.startLimitHit) {
+        app.state = "failed";
+        HL_LOG(LogLevel::Error, "{}: start limit of {} starts in {} ms reached; not restarting",
+               app.unit.name, app.unit.startLimit, app.unit.startLimitIntervalMs);
+    } else {
+        app.state = kind == EndKind::Clean ? "exited" : "failed";
+        HL_LOG(LogLevel::Info, "{}: not restarted (restart={})", app.unit.name,
+               RestartPolicyName(app.unit.restart));
+    }
+}
+
+void Supervisor::Tick() {
+    std::lock_guard lock(m_mutex);
+    for (;;) {
+        int status = 0;
+        const pid_t pid = ::waitpid(-1, &status, WNOHANG);
+        if (pid <= 0) {
+            break;
+        }
+        for (App& app : m_apps) {
+            if (app.pid == pid) {
+                Ended(app, status);
+            }
+        }
+    }
+    const auto now = Clock::now();
+    for (App& app : m_apps) {
+        if (app.pid > 0 && app.shownUI && !app.hungKill &&
+            now - app.watchFrom > std::chrono::milliseconds(app.unit.watchdogIntervalMs)) {
+            const auto silentMs =
+                std::chrono::duration_cast<std::chrono::milliseconds>(now - app.watchFrom).count();
+            HL_LOG(LogLevel::Warning, "{}[{}]: hung: no Ping for {} ms; sending SIGABRT", app.unit.name,
+                   app.pid, silentMs);
+            app.hungKill = true;
+            app.state = "hung";
+            app.abortedAt = now;
+            ::kill(app.pid, SIGABRT);
+            // A stopped process takes no signal but SIGKILL until it is continued.
+            ::kill(app.pid, SIGCONT);
+        } else if (app.pid > 0 && app.hungKill && now - app.abortedAt > kKillGrace) {
+            HL_LOG(LogLevel::Warning, "{}[{}]: still there {} ms after SIGABRT; sending SIGKILL",
+                   app.unit.name, app.pid, kKillGrace.count());
+            ::kill(app.pid, SIGKILL);
+            app.abortedAt = now + std::chrono::hours(1);
+        } else if (app.pid == 0 && app.state == "waiting-restart" && now >= app.restartAt) {
+            ++app.restartCount;
+            Spawn(app);
+        }
+    }
+    ApplyCommands();
+}
+
+void Supervisor::ApplyCommands() {
+    std::vector<std::string> rejected;
+    for (const Command& command : TakeCommands(&rejected)) {
+        m_commands[command.name] = command.value;
+        App* app = Find(command.app);
+        if (app == nullptr) {
+            HL_LOG(LogLevel::Warning, "command {}={} for the unknown application {}", command.name,
+                   command.value, command.app);
+            continue;
+        }
+        if (app->updateHandle == NK_INVALID_HANDLE) {
+            HL_LOG(LogLevel::Warning, "{}[{}]: command {}={} set; no update handle to raise yet",
+                   app->unit.name, app->pid, command.name, command.value);
+            continue;
+        }
+        const int rc = KnNoticeSetObjectEvent(app->updateHandle, kUpdateEventMask);
+        HL_LOG(LogLevel::Info, "{}[{}]: command {}={} set; update event raised (0x{:08x})", app->unit.name,
+               app->pid, command.name, command.value, static_cast<unsigned>(rc));
+    }
+    for (const std::string& name : rejected) {
+        HL_LOG(LogLevel::Warning, "dropped the malformed command file {}", name);
+    }
+}
+
+void Supervisor::StopAll() {
+    {
+        std::lock_guard lock(m_mutex);
+        for (App& app : m_apps) {
+            app.stopping = true;
+            if (app.pid > 0) {
+                HL_LOG(LogLevel::Info, "{}[{}]: stopping (SIGTERM)", app.unit.name, app.pid);
+                ::kill(app.pid, SIGTERM);
+                ::kill(app.pid, SIGCONT);
+            } else {
+                app.state = "stopped";
+            }
+        }
+    }
+    const auto deadline = Clock::now() + kStopGrace;
+    bool killed = false;
+    for (;;) {
+        Tick();
+        bool running = false;
+        {
+            std::lock_guard lock(m_mutex);
+            const bool late = Clock::now() > deadline;
+            for (App& app : m_apps) {
+                if (app.pid <= 0) {
+                    continue;
+                }
+                running = true;
+                if (late && !killed) {
+                    HL_LOG(LogLevel::Warning, "{}[{}]: did not end within {} ms; sending SIGKILL",
+                           app.unit.name, app.pid, kStopGrace.count());
+                    ::kill(app.pid, SIGKILL);
+                }
+            }
+            killed = killed || late;
+        }
+        if (!running) {
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+}
+
+StatusTable Supervisor::Status() const {
+    std::lock_guard lock(m_mutex);
+    StatusTable table;
+    table.managerPid = static_cast<long>(::getpid());
+    for (const App& app : m_apps) {
+        table.apps.push_back(
+            {app.unit.name, app.state, static_cast<long>(app.pid), app.lastPingUnixMs, app.restartCount});
+    }
+    return table;
+}
+
+void Supervisor::OnReadyToInitialize(const std::string& name) {
+    std::lock_guard lock(m_mutex);
+    HL_LOG(LogLevel::Info, "{}[{}]: ReadyToInitialize", name, PidOf(name));
+    if (App* app = Find(name)) {
+        app->state = "initializing";
+    }
+}
+
+void Supervisor::OnReadyToShowUI(const std::string& name) {
+    std::lock_guard lock(m_mutex);
+    HL_LOG(LogLevel::Info, "{}[{}]: ReadyToShowUI", name, PidOf(name));
+    if (App* app = Find(name)) {
+        app->state = "running";
+        app->shownUI = true;
+        app->watchFrom = Clock::now();
+    }
+}
+
+void Supervisor::OnStateChanged(const std::string& name, std::int64_t state) {
+    std::lock_guard lock(m_mutex);
+    HL_LOG(LogLevel::Info, "{}[{}]: StateChanged({})", name, PidOf(name), state);
+}
+
+void Supervisor::OnFinishWithInternalError(const std::string& name, const std::string& error,
+                                           const std::string& details) {
+    std::lock_guard lock(m_mutex);
+    HL_LOG(LogLevel::Info, "{}[{}]: FinishWithInternalError: {} / {}", name, PidOf(name), error, details);
+    if (App* app = Find(name)) {
+        app->failedStart = true;
+    }
+}
+
+void Supervisor::OnPing(const std::string& name) {
+    std::lock_guard lock(m_mutex);
+    HL_LOG(LogLevel::Info, "{}[{}]: Ping", name, PidOf(name));
+    if (App* app = Find(name)) {
+        app->lastPingUnixMs = UnixMs();
+        app->watchFrom = Clock::now();
+    }
+}
+
+void Supervisor::OnUpdateHandle(const std::string& name, unsigned int managerEnd) {
+    std::lock_guard lock(m_mutex);
+    HL_LOG(LogLevel::Info, "{}[{}]: GetUpdateHandle", name, PidOf(name));
+    App* app = Find(name);
+    if (app == nullptr) {
+        KnHandleClose(managerEnd);
+        return;
+    }
+    if (app->updateHandle != NK_INVALID_HANDLE) {
+        KnHandleClose(app->updateHandle);
+    }
+    app->updateHandle = managerEnd;
+}
+
+bool Supervisor::LookUpCommand(const std::string& name, std::int64_t& value) {
+    std::lock_guard lock(m_mutex);
+    const auto found = m_commands.find(name);
+    if (found == m_commands.end()) {
+        return false;
+    }
+    value = found->second;
+    return true;
+}
+
+}  // namespace hl_appmgr

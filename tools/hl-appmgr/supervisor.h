@@ -1,0 +1,83 @@
+// Starts and watches the applications of hl-appmgr: one process per unit, the lifecycle calls
+// and Pings they make (logged with name and pid), the watchdog after ReadyToShowUI, restarts with
+// back-off and a start limit, the commands of the drop box and the state file.
+//
+// Thread: the lifecycle sink runs on the server thread; Start/Tick/Stop on the main thread. One
+// mutex guards everything. The peer pid of a call is not exposed by the platform, so a call is
+// matched to the process by the application's name, which is the argv[0] the manager gave it.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "core/restart_decision.h"
+#include "core/status_table.h"
+#include "core/unit_file.h"
+#include "i_lifecycle_sink.h"
+
+namespace hl_appmgr {
+
+class Supervisor final : public ILifecycleSink {
+public:
+    using Clock = std::chrono::steady_clock;
+    static constexpr std::chrono::milliseconds kKillGrace{2000};
+    static constexpr std::chrono::milliseconds kStopGrace{5000};
+    static constexpr std::int64_t kUpdateEventMask = 1 << 16;
+
+    explicit Supervisor(std::vector<Unit> units);
+    ~Supervisor() override;
+
+    // Starts every application once.
+    void StartAll();
+    // Reaps ended processes, enforces the watchdog, restarts what is due, applies posted commands.
+    void Tick();
+    // Ends every application: SIGTERM, SIGKILL after kStopGrace. Returns when all are reaped.
+    void StopAll();
+    StatusTable Status() const;
+
+    void OnReadyToInitialize(const std::string& app) override;
+    void OnReadyToShowUI(const std::string& app) override;
+    void OnStateChanged(const std::string& app, std::int64_t state) override;
+    void OnFinishWithInternalError(const std::string& app, const std::string& error,
+                                   const std::string& details) override;
+    void OnPing(const std::string& app) override;
+    void OnUpdateHandle(const std::string& app, unsigned int managerEnd) override;
+    bool LookUpCommand(const std::string& name, std::int64_t& value) override;
+
+private:
+    struct App {
+        Unit unit;
+        RestartTracker restarts;
+        std::string state = "starting";
+        pid_t pid = 0;
+        bool shownUI = false;
+        bool failedStart = false;
+        bool hungKill = false;
+        bool stopping = false;
+        Clock::time_point watchFrom{};
+        Clock::time_point abortedAt{};
+        Clock::time_point restartAt{};
+        std::int64_t lastPingUnixMs = -1;
+        int restartCount = 0;
+        unsigned int updateHandle;
+        explicit App(Unit u);
+    };
+
+    App* Find(const std::string& name);
+    long PidOf(const std::string& name);
+    void Spawn(App& app);
+    void Ended(App& app, int status);
+    void ApplyCommands();
+
+    mutable std::mutex m_mutex;
+    std::vector<App> m_apps;
+    std::map<std::string, std::int64_t> m_commands;
+};
+
+}  // namespace hl_appmgr

@@ -1,0 +1,115 @@
+// A small managed application for hl-appmgr's tests, written with the generated proxies.
+//
+//   test_app MODE [PING_MS]    (argv[0] is the application's name, as hl-appmgr passes it)
+//
+// Looks up the application manager, GetUpdateHandle, ReadyToInitialize, ReadyToShowUI, then Pings
+// every PING_MS (default 1000). On the update event it reads GetCommand("volume") and prints
+// "command volume=N" on stdout. On SIGTERM: StateChanged(-2), exit 0. MODE: run (until SIGTERM),
+// crash (abort after 2 Pings), exit0 (StateChanged(-2) and exit 0 after 2 Pings), failstart
+// (FinishWithInternalError instead of ReadyToShowUI, exit 1).
+// Exit status: 0, 1 on a failed start, 2 without a manager, 3 usage.
+#include <ipc_runtime/application.h>
+#include <ipc_runtime/connection_builder.h>
+#include <ipc_runtime/idl/hl/app_manager/application_commands.h>
+#include <ipc_runtime/idl/hl/app_manager/application_controller.h>
+#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <ipc_runtime/resource_provider.h>
+#include <platform/ipc_utils/find_connection_target_for_type.h>
+#include <platform/platform.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace hosipc::idl::stdcpp_v1::hl::app_manager;
+using hosipc_detail::idl_traits::MakeProxyImpl;
+using hosipc_detail::idl_traits::ProxyBait;
+
+volatile std::sig_atomic_t g_stop = 0;
+
+template <typename T>
+auto Connect(const hosipc::api_v1::Application& application, const char* server, const char* service) {
+    const hosipc::api_v1::ConnectionBuilder<hosipc::api_v1::ConnectViaDynamicChannel> connector(
+        server, service, 5000, false);
+    return MakeProxyImpl(connector, application.GetResourceProvider(), static_cast<ProxyBait<T>*>(nullptr));
+}
+
+std::vector<unsigned char> Bytes(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s MODE [PING_MS]\n", argv[0]);
+        return 3;
+    }
+    const std::string mode = argv[1];
+    const unsigned long pingMs = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 1000;
+    const auto name = Bytes(argv[0]);
+    std::signal(SIGTERM, [](int) { g_stop = 1; });
+
+    const auto target = shared::ipc_utils::FindConnectionTargetForType(
+        "hl.app_manager.ApplicationManager.applicationManager", 0xffffffffU);
+    if (!target) {
+        std::fprintf(stderr, "test_app: no application manager\n");
+        return 2;
+    }
+    hosipc::api_v1::Application application{std::make_shared<hosipc_detail::api_v1::ResourceProvider>(
+        hosipc_detail::api_v1::MessageCapacity{}, 0, hosipc::api_v1::ApplicationSettings{})};
+    auto controller =
+        Connect<ApplicationController>(application, target.server, "app_manager.applicationController");
+    auto commands =
+        Connect<ApplicationCommands>(application, target.server, "app_manager.applicationCommands");
+    auto watchdog =
+        Connect<ApplicationWatchdog>(application, target.server, "app_manager.applicationWatchdog");
+
+    unsigned int update = NK_INVALID_HANDLE;
+    commands->GetUpdateHandle(name, update);
+    SNotice* notice = nullptr;
+    KnNoticeCreate(&notice);
+    if (update != NK_INVALID_HANDLE) {
+        KnNoticeSubscribeToObject(notice, update, 1U << 16, 1);
+    }
+    int rc = 0;
+    controller->ReadyToInitialize(name, rc);
+    if (mode == "failstart") {
+        controller->FinishWithInternalError(name, Bytes("Failed to start test"), Bytes("asked to fail"), rc);
+        return 1;
+    }
+    controller->ReadyToShowUI(name, rc);
+    int pings = 0;
+    while (g_stop == 0) {
+        EventDesc events[4];
+        unsigned long count = 0;
+        if (KnNoticeGetEvent(notice, pingMs, 4, events, &count) == 0) {
+            for (unsigned long i = 0; i < count; ++i) {
+                if ((events[i].mask & (1U << 16)) != 0) {
+                    std::int64_t value = 0;
+                    int commandRc = 0;
+                    commands->GetCommand(Bytes("volume"), value, commandRc);
+                    std::printf("command volume=%lld rc=%d\n", static_cast<long long>(value), commandRc);
+                    std::fflush(stdout);
+                }
+            }
+            continue;
+        }
+        watchdog->Ping(name, rc);
+        ++pings;
+        if (pings == 2 && mode == "crash") {
+            std::abort();
+        }
+        if (pings == 2 && mode == "exit0") {
+            break;
+        }
+    }
+    controller->StateChanged(name, -2, rc);
+    KnNoticeRelease(notice);
+    return 0;
+}
