@@ -1,12 +1,14 @@
 #include "ipc/server_channel.h"
 
-#include <poll.h>
+#include <fcntl.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/timerfd.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -22,13 +24,12 @@ namespace hos::platform {
 namespace {
 
 using hos::logger::LogLevel;
+using Clock = std::chrono::steady_clock;
 
-// A client may have this many requests waiting; beyond it the pump stops reading from it.
-constexpr uint32_t kMaxQueuedPerClient = 4;
-// How long the pump waits to hand a refusal to a client that does not read.
-constexpr uint32_t kRefusalSendMs = 100;
-// Longest wait for room when replying, whatever the transport's send timeout says.
-constexpr uint32_t kMaxReplySendMs = 5000;
+// How long the serving code may be away from Receive before the pump answers handshakes for it.
+constexpr long kPumpTakesOverNs = 2'000'000;
+// How long a client may leave its answers unread before it is disconnected.
+constexpr auto kOutboxLimit = std::chrono::seconds(5);
 
 sockaddr_un MakeAddress(const std::string& path) {
     sockaddr_un address{};
@@ -71,7 +72,9 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, 
     }
     UniqueFd listenFd = MakeSeqPacketSocket();
     UniqueFd wakeFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    if (!listenFd.IsValid() || !wakeFd.IsValid()) {
+    UniqueFd refreshFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    UniqueFd idleTimerFd(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
+    if (!listenFd.IsValid() || !wakeFd.IsValid() || !refreshFd.IsValid() || !idleTimerFd.IsValid()) {
         HL_LOG(LogLevel::Error, "Server {}: cannot make a socket: {}", name, std::strerror(errno));
         rc = NK_ENOMEM;
         return nullptr;
@@ -81,6 +84,15 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, 
         if (errno != EADDRINUSE) {
             HL_LOG(LogLevel::Error, "Server {}: cannot bind {}: {}", name, *path, std::strerror(errno));
             rc = NK_EFAIL;
+            return nullptr;
+        }
+        // Only a socket of our own user is taken over: a file another user planted stays as it is.
+        struct stat existing {};
+        if (::lstat(path->c_str(), &existing) != 0 || !S_ISSOCK(existing.st_mode) ||
+            existing.st_uid != ::geteuid()) {
+            HL_LOG(LogLevel::Error, "Server {}: {} is not a socket of uid {}; it is left alone", name, *path,
+                   ::geteuid());
+            rc = NK_EACCESS;
             return nullptr;
         }
         if (IsServed(address)) {
@@ -105,21 +117,24 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, 
         rc = NK_EFAIL;
         return nullptr;
     }
-    std::shared_ptr<ServerChannel> channel(
-        new ServerChannel(name, *path, info.st_ino, allowedUid, std::move(listenFd), std::move(wakeFd)));
+    std::shared_ptr<ServerChannel> channel(new ServerChannel(name, *path, info.st_ino, allowedUid,
+                                                             std::move(listenFd), std::move(wakeFd),
+                                                             std::move(refreshFd), std::move(idleTimerFd)));
     channel->m_thread = std::thread([raw = channel.get()] { raw->Run(); });
     rc = NK_EOK;
     return channel;
 }
 
 ServerChannel::ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid,
-                             UniqueFd listenFd, UniqueFd wakeFd)
+                             UniqueFd listenFd, UniqueFd wakeFd, UniqueFd refreshFd, UniqueFd idleTimerFd)
     : m_name(std::move(name)),
       m_path(std::move(path)),
       m_inode(inode),
       m_allowedUid(allowedUid),
       m_listenFd(std::move(listenFd)),
-      m_wakeFd(std::move(wakeFd)) {}
+      m_wakeFd(std::move(wakeFd)),
+      m_refreshFd(std::move(refreshFd)),
+      m_idleTimerFd(std::move(idleTimerFd)) {}
 
 ServerChannel::~ServerChannel() {
     Shutdown();
@@ -134,18 +149,23 @@ void ServerChannel::Shutdown() {
         }
         m_stopping = true;
     }
-    Wake();
+    m_roles.notify_all();
+    Signal(m_wakeFd.Get());
+    Signal(m_refreshFd.Get());
     if (m_thread.joinable()) {
         m_thread.join();
     }
     std::map<uint64_t, std::shared_ptr<Connection>> connections;
-    std::deque<QueuedRequest> queue;
     {
         std::lock_guard lock(m_mutex);
         connections.swap(m_connections);
-        queue.swap(m_queue);
+        ++m_generation;
     }
-    m_requestReady.notify_all();
+    // A receiver may still hold a client for a moment; shutting the sockets down ends every
+    // client's pending call now rather than when the last holder lets go.
+    for (const auto& [id, connection] : connections) {
+        ::shutdown(connection->fd.Get(), SHUT_RDWR);
+    }
     struct stat info {};
     if (::lstat(m_path.c_str(), &info) == 0 && info.st_ino == m_inode) {
         ::unlink(m_path.c_str());
@@ -153,32 +173,82 @@ void ServerChannel::Shutdown() {
     m_listenFd.Reset();
 }
 
-void ServerChannel::Wake() {
+void ServerChannel::Signal(int eventFd) {
     const uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = ::write(m_wakeFd.Get(), &one, sizeof(one));
+    [[maybe_unused]] const ssize_t written = ::write(eventFd, &one, sizeof(one));
+}
+
+void ServerChannel::Clear(int eventFd) {
+    uint64_t value = 0;
+    [[maybe_unused]] const ssize_t got = ::read(eventFd, &value, sizeof(value));
+}
+
+ServerChannel::ConnectionList ServerChannel::Snapshot(uint64_t& generation) {
+    ConnectionList clients;
+    std::lock_guard lock(m_mutex);
+    generation = m_generation;
+    clients.reserve(m_connections.size());
+    for (const auto& [id, connection] : m_connections) {
+        clients.push_back(connection);
+    }
+    return clients;
+}
+
+int ServerChannel::PollClients(const ConnectionList& clients, const std::vector<uint64_t>& parked,
+                               std::vector<pollfd>& polled) const {
+    int timeoutMs = -1;
+    const auto now = Clock::now();
+    for (const auto& client : clients) {
+        short events = POLLIN;
+        if (client->hasOutbox.load(std::memory_order_acquire)) {
+            // Nothing more is read from a client until its answers have gone out.
+            events = POLLOUT;
+            std::lock_guard lock(client->sendMutex);
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(client->outboxSince + kOutboxLimit - now)
+                    .count();
+            const int leftMs = static_cast<int>(std::max<long long>(left, 0));
+            timeoutMs = timeoutMs < 0 ? leftMs : std::min(timeoutMs, leftMs);
+        } else if (std::find(parked.begin(), parked.end(), client->id) != parked.end()) {
+            events = 0;  // a request waits for the next Receive; only a hang-up is of interest
+        }
+        polled.push_back({client->fd.Get(), events, 0});
+    }
+    return timeoutMs;
 }
 
 void ServerChannel::Run() {
     std::vector<pollfd> polled;
-    std::vector<std::shared_ptr<Connection>> clients;
+    ConnectionList clients;
+    std::vector<uint64_t> parked;
+    std::vector<UniqueFd> fds;
+    uint64_t generation = 0;
     for (;;) {
-        polled.clear();
-        clients.clear();
-        polled.push_back({m_wakeFd.Get(), POLLIN, 0});
-        polled.push_back({m_listenFd.Get(), POLLIN, 0});
+        bool reading = false;
         {
             std::lock_guard lock(m_mutex);
             if (m_stopping) {
                 return;
             }
-            for (const auto& [id, connection] : m_connections) {
-                // A client with a full queue is only watched for hang-up until it is served.
-                const short events = connection->queued < kMaxQueuedPerClient ? POLLIN : 0;
-                polled.push_back({connection->fd.Get(), events, 0});
-                clients.push_back(connection);
+            reading = !m_receiverActive && m_pumpMayRead;
+            if (m_pumpReading != reading) {
+                m_pumpReading = reading;
+                parked.clear();
             }
         }
-        if (::poll(polled.data(), polled.size(), -1) < 0) {
+        m_roles.notify_all();
+        polled.clear();
+        polled.push_back({m_wakeFd.Get(), POLLIN, 0});
+        polled.push_back({m_listenFd.Get(), POLLIN, 0});
+        polled.push_back({m_idleTimerFd.Get(), POLLIN, 0});
+        constexpr size_t kFirstClient = 3;
+        int timeoutMs = -1;
+        clients.clear();
+        if (reading) {
+            clients = Snapshot(generation);
+            timeoutMs = PollClients(clients, parked, polled);
+        }
+        if (::poll(polled.data(), polled.size(), timeoutMs) < 0) {
             if (errno == EINTR) {
                 continue;
             }
@@ -186,24 +256,40 @@ void ServerChannel::Run() {
             return;
         }
         if ((polled[0].revents & POLLIN) != 0) {
-            uint64_t value = 0;
-            [[maybe_unused]] const ssize_t got = ::read(m_wakeFd.Get(), &value, sizeof(value));
+            Clear(m_wakeFd.Get());
+        }
+        if ((polled[2].revents & POLLIN) != 0) {
+            Clear(m_idleTimerFd.Get());
+            std::lock_guard lock(m_mutex);
+            m_pumpMayRead = !m_receiverActive;
         }
         if ((polled[1].revents & POLLIN) != 0) {
             AcceptClients();
         }
         for (size_t i = 0; i < clients.size(); ++i) {
-            const short revents = polled[i + 2].revents;
+            const auto& client = clients[i];
+            const short revents = polled[i + kFirstClient].revents;
+            if (client->hasOutbox.load(std::memory_order_acquire)) {
+                if (!FlushOutbox(*client)) {
+                    Drop(client->id);
+                }
+                continue;
+            }
             if ((revents & POLLIN) != 0) {
-                ServeClient(clients[i]);
+                size_t length = 0;
+                ParsedFrame frame;
+                if (ReadClient(client, m_pumpBuffer, fds, length, frame, true) == ReadOutcome::Parked) {
+                    parked.push_back(client->id);
+                }
             } else if ((revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-                Drop(clients[i]->id);
+                Drop(client->id);
             }
         }
     }
 }
 
 void ServerChannel::AcceptClients() {
+    bool accepted = false;
     for (;;) {
         UniqueFd fd(::accept4(m_listenFd.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
         if (!fd.IsValid()) {
@@ -216,7 +302,7 @@ void ServerChannel::AcceptClients() {
                        std::strerror(errno));
                 std::this_thread::sleep_for(std::chrono::milliseconds(100));
             }
-            return;
+            break;
         }
         ucred credentials{};
         socklen_t length = sizeof(credentials);
@@ -238,65 +324,70 @@ void ServerChannel::AcceptClients() {
         std::lock_guard lock(m_mutex);
         connection->id = m_nextClient++;
         m_connections.emplace(connection->id, std::move(connection));
+        ++m_generation;
+        accepted = true;
+    }
+    if (accepted) {
+        Signal(m_refreshFd.Get());
     }
 }
 
-void ServerChannel::ServeClient(const std::shared_ptr<Connection>& connection) {
-    std::vector<UniqueFd> fds;
-    const ReadResult read = ReadPacket(connection->fd.Get(), m_buffer, fds);
+ServerChannel::ReadOutcome ServerChannel::ReadClient(const std::shared_ptr<Connection>& connection,
+                                                     std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds,
+                                                     size_t& length, ParsedFrame& frame, bool peekRequests) {
+    if (peekRequests && !connection->refused) {
+        uint8_t head[NK_MESSAGE_HEADER_SIZE];
+        const ssize_t got = ::recv(connection->fd.Get(), head, sizeof(head), MSG_PEEK | MSG_DONTWAIT);
+        if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)) {
+            return ReadOutcome::Nothing;
+        }
+        if (got == static_cast<ssize_t>(sizeof(head)) && DecodeHeader(head).kind == FrameKind::Request) {
+            return ReadOutcome::Parked;
+        }
+    }
+    const ReadResult read = ReadPacket(connection->fd.Get(), buffer, fds);
     if (connection->refused && read.status != ReadStatus::WouldBlock) {
         if (read.status != ReadStatus::Closed && read.status != ReadStatus::Failed) {
-            Refuse(*connection, m_buffer.data(), read.length, NK_EACCESS, "peer of another user");
+            Refuse(*connection, buffer.data(), read.length, NK_EACCESS, "peer of another user");
         }
         Drop(connection->id);
-        return;
+        return ReadOutcome::Handled;
     }
     switch (read.status) {
         case ReadStatus::WouldBlock:
-            return;
+            return ReadOutcome::Nothing;
         case ReadStatus::Closed:
         case ReadStatus::Failed:
             Drop(connection->id);
-            return;
+            return ReadOutcome::Handled;
         case ReadStatus::Oversized:
-            Refuse(*connection, m_buffer.data(), kMaxFrameSize, NK_ETOOBIG,
+            Refuse(*connection, buffer.data(), kMaxFrameSize, NK_ETOOBIG,
                    "frame larger than " + std::to_string(kMaxFrameSize) + " bytes");
-            return;
+            return ReadOutcome::Handled;
         case ReadStatus::TooManyFds:
-            Refuse(*connection, m_buffer.data(), read.length, NK_ETOOBIG, "too many passed handles");
-            return;
+            Refuse(*connection, buffer.data(), read.length, NK_ETOOBIG, "too many passed handles");
+            return ReadOutcome::Handled;
         case ReadStatus::Packet:
-            HandleFrame(connection, read.length, fds);
-            return;
+            break;
     }
-}
-
-void ServerChannel::HandleFrame(const std::shared_ptr<Connection>& connection, size_t length,
-                                std::vector<UniqueFd>& fds) {
-    ParsedFrame frame;
     std::string reason;
-    const std::span<const uint8_t> packet(m_buffer.data(), length);
-    const int rc = ParseFrame(packet, fds.size(), frame, reason);
+    const int rc =
+        ParseFrame(std::span<const uint8_t>(buffer.data(), read.length), fds.size(), frame, reason);
     if (rc != NK_EOK) {
-        Refuse(*connection, m_buffer.data(), length, rc, reason);
-        return;
+        Refuse(*connection, buffer.data(), read.length, rc, reason);
+        return ReadOutcome::Handled;
     }
     if (frame.header.kind == FrameKind::Resolve) {
         AnswerResolve(*connection, frame);
-        return;
+        return ReadOutcome::Handled;
     }
     if (frame.header.kind != FrameKind::Request) {
-        Refuse(*connection, m_buffer.data(), length, NK_EBADMSG,
+        Refuse(*connection, buffer.data(), read.length, NK_EBADMSG,
                "unexpected frame kind " + std::to_string(static_cast<int>(frame.header.kind)));
-        return;
+        return ReadOutcome::Handled;
     }
-    QueuedRequest request{connection, std::vector<uint8_t>(packet.begin(), packet.end()), std::move(fds)};
-    {
-        std::lock_guard lock(m_mutex);
-        ++connection->queued;
-        m_queue.push_back(std::move(request));
-    }
-    m_requestReady.notify_one();
+    length = read.length;
+    return ReadOutcome::Request;
 }
 
 void ServerChannel::AnswerResolve(Connection& connection, const ParsedFrame& frame) {
@@ -315,8 +406,7 @@ void ServerChannel::AnswerResolve(Connection& connection, const ParsedFrame& fra
     std::memcpy(body, &riidField, sizeof(riidField));
     OutgoingPacket out;
     PrepareBare(answer, body, {}, out);
-    SendPacket(connection.fd.Get(), std::span(out.parts.data(), out.partCount), {},
-               Deadline::FromTimeoutMs(kRefusalSendMs));
+    SendOrKeep(connection, std::span(out.parts.data(), out.partCount), {});
 }
 
 void ServerChannel::Refuse(Connection& connection, const uint8_t* packet, size_t length, int code,
@@ -334,22 +424,87 @@ void ServerChannel::Refuse(Connection& connection, const uint8_t* packet, size_t
     answer.result = code;
     OutgoingPacket out;
     PrepareBare(answer, {}, {}, out);
-    SendPacket(connection.fd.Get(), std::span(out.parts.data(), out.partCount), {},
-               Deadline::FromTimeoutMs(kRefusalSendMs));
+    SendOrKeep(connection, std::span(out.parts.data(), out.partCount), {});
+}
+
+int ServerChannel::SendOrKeep(Connection& connection, std::span<const iovec> parts,
+                              std::span<const int> fds) {
+    std::lock_guard lock(connection.sendMutex);
+    if (connection.outbox.empty()) {
+        const int rc = SendPacket(connection.fd.Get(), parts, fds, Deadline::FromTimeoutMs(0));
+        if (rc != NK_TRANSPORT_TIMEOUT) {
+            return rc;
+        }
+    }
+    // No room now: the frame waits, and the client is not read from until it has gone out.
+    OutFrame frame;
+    for (const auto& part : parts) {
+        const auto* bytes = static_cast<const uint8_t*>(part.iov_base);
+        frame.bytes.insert(frame.bytes.end(), bytes, bytes + part.iov_len);
+    }
+    for (const int fd : fds) {
+        UniqueFd copy(::fcntl(fd, F_DUPFD_CLOEXEC, 0));
+        if (!copy.IsValid()) {
+            return NK_ENOMEM;
+        }
+        frame.fds.push_back(std::move(copy));
+    }
+    if (connection.outbox.empty()) {
+        connection.outboxSince = Clock::now();
+    }
+    connection.outbox.push_back(std::move(frame));
+    connection.hasOutbox.store(true, std::memory_order_release);
+    // Whoever reads the clients now polls this one for room.
+    Signal(m_wakeFd.Get());
+    Signal(m_refreshFd.Get());
+    return NK_EOK;
+}
+
+bool ServerChannel::FlushOutbox(Connection& connection) {
+    std::lock_guard lock(connection.sendMutex);
+    while (!connection.outbox.empty()) {
+        OutFrame& frame = connection.outbox.front();
+        std::vector<int> fds;
+        for (const auto& fd : frame.fds) {
+            fds.push_back(fd.Get());
+        }
+        const iovec part{frame.bytes.data(), frame.bytes.size()};
+        const int rc = SendPacket(connection.fd.Get(), std::span(&part, 1), fds, Deadline::FromTimeoutMs(0));
+        if (rc == NK_TRANSPORT_TIMEOUT) {
+            break;
+        }
+        connection.outbox.pop_front();
+        connection.outboxSince = Clock::now();
+        if (rc == NK_ECLOSED) {
+            return false;
+        }
+    }
+    if (connection.outbox.empty()) {
+        connection.hasOutbox.store(false, std::memory_order_release);
+        return true;
+    }
+    if (Clock::now() - connection.outboxSince >= kOutboxLimit) {
+        HL_LOG(LogLevel::Warning, "Server {}: client {} does not take its replies; disconnecting it", m_name,
+               connection.id);
+        return false;
+    }
+    return true;
 }
 
 void ServerChannel::Drop(uint64_t id) {
-    std::vector<QueuedRequest> dropped;
-    std::lock_guard lock(m_mutex);
-    m_connections.erase(id);
-    for (auto it = m_queue.begin(); it != m_queue.end();) {
-        if (it->connection->id == id) {
-            dropped.push_back(std::move(*it));
-            it = m_queue.erase(it);
-        } else {
-            ++it;
+    std::shared_ptr<Connection> dropped;
+    {
+        std::lock_guard lock(m_mutex);
+        const auto found = m_connections.find(id);
+        if (found == m_connections.end()) {
+            return;
         }
+        dropped = std::move(found->second);
+        m_connections.erase(found);
+        ++m_generation;
     }
+    // Others may hold the connection a moment longer; the client learns at once that it is over.
+    ::shutdown(dropped->fd.Get(), SHUT_RDWR);
 }
 
 std::shared_ptr<ServerChannel::Connection> ServerChannel::FindConnection(uint64_t id) {
@@ -358,43 +513,120 @@ std::shared_ptr<ServerChannel::Connection> ServerChannel::FindConnection(uint64_
     return found != m_connections.end() ? found->second : nullptr;
 }
 
+void ServerChannel::LeaveReceive() {
+    {
+        std::lock_guard lock(m_mutex);
+        m_receiverActive = false;
+    }
+    m_roles.notify_all();
+    // The pump answers handshakes again if the serving code stays away for a while.
+    itimerspec idle{};
+    idle.it_value.tv_nsec = kPumpTakesOverNs;
+    ::timerfd_settime(m_idleTimerFd.Get(), 0, &idle, nullptr);
+}
+
 int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline& deadline, Pending& pending) {
+    {
+        std::unique_lock lock(m_mutex);
+        const auto myTurn = [this] { return m_stopping || !m_receiverActive; };
+        if (deadline.IsInfinite()) {
+            m_roles.wait(lock, myTurn);
+        } else if (!m_roles.wait_until(lock, deadline.TimePoint(), myTurn)) {
+            return NK_TRANSPORT_TIMEOUT;
+        }
+        if (m_stopping) {
+            return NK_ECLOSED;
+        }
+        m_receiverActive = true;
+        m_pumpMayRead = false;
+        if (m_pumpReading) {
+            Signal(m_wakeFd.Get());
+            m_roles.wait(lock, [this] { return m_stopping || !m_pumpReading; });
+        }
+    }
+    struct Leave {
+        ServerChannel* self;
+        ~Leave() { self->LeaveReceive(); }
+    } leave{this};
+
+    std::vector<UniqueFd> fds;
+    const std::vector<uint64_t> noneParked;
     for (;;) {
-        QueuedRequest next;
+        uint64_t generation = 0;
         {
-            std::unique_lock lock(m_mutex);
-            const auto ready = [this] { return m_stopping || !m_queue.empty(); };
-            if (deadline.IsInfinite()) {
-                m_requestReady.wait(lock, ready);
-            } else if (!m_requestReady.wait_until(lock, deadline.TimePoint(), ready)) {
-                return NK_TRANSPORT_TIMEOUT;
-            }
+            std::lock_guard lock(m_mutex);
             if (m_stopping) {
                 return NK_ECLOSED;
             }
-            next = std::move(m_queue.front());
-            m_queue.pop_front();
-            if (next.connection->queued-- == kMaxQueuedPerClient) {
-                Wake();
+            generation = m_generation;
+        }
+        if (generation != m_receiveGeneration) {
+            m_receiveClients = Snapshot(m_receiveGeneration);
+        }
+        m_receivePolled.clear();
+        m_receivePolled.push_back({m_refreshFd.Get(), POLLIN, 0});
+        const int outboxMs = PollClients(m_receiveClients, noneParked, m_receivePolled);
+        const int deadlineMs = deadline.RemainingPollMs();
+        const int timeoutMs = outboxMs < 0     ? deadlineMs
+                              : deadlineMs < 0 ? outboxMs
+                                               : std::min(outboxMs, deadlineMs);
+        const int ready = ::poll(m_receivePolled.data(), m_receivePolled.size(), timeoutMs);
+        if (ready < 0 && errno != EINTR) {
+            HL_LOG(LogLevel::Error, "Server {}: poll failed: {}", m_name, std::strerror(errno));
+            return NK_EFAIL;
+        }
+        if (ready <= 0) {
+            if (deadline.HasPassed()) {
+                return NK_TRANSPORT_TIMEOUT;
+            }
+            if (ready < 0) {
+                continue;
             }
         }
-        ParsedFrame frame;
-        std::string reason;
-        int rc = ParseFrame(next.packet, next.fds.size(), frame, reason);
-        if (rc == NK_EOK) {
-            rc = DeliverFrame(frame, next.fds, request, arena, reason);
+        if ((m_receivePolled[0].revents & POLLIN) != 0) {
+            Clear(m_refreshFd.Get());
         }
-        if (rc == NK_EOK) {
-            pending.client = next.connection->id;
-            pending.sequence = frame.header.sequence;
-            return NK_EOK;
+        // Clients in turn, starting after the one served last: one request each per round.
+        const size_t count = m_receiveClients.size();
+        size_t start = 0;
+        while (start < count && m_receiveClients[start]->id <= m_lastServed) {
+            ++start;
         }
-        Refuse(*next.connection, next.packet.data(), next.packet.size(), rc, reason);
+        for (size_t k = 0; k < count; ++k) {
+            const size_t i = (start + k) % count;
+            const auto& client = m_receiveClients[i];
+            const short revents = m_receivePolled[i + 1].revents;
+            if (client->hasOutbox.load(std::memory_order_acquire)) {
+                if (!FlushOutbox(*client)) {
+                    Drop(client->id);
+                }
+                continue;
+            }
+            if ((revents & POLLIN) == 0) {
+                if ((revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
+                    Drop(client->id);
+                }
+                continue;
+            }
+            size_t length = 0;
+            ParsedFrame frame;
+            if (ReadClient(client, m_receiveBuffer, fds, length, frame, false) != ReadOutcome::Request) {
+                continue;
+            }
+            std::string reason;
+            const int rc = DeliverFrame(frame, fds, request, arena, reason);
+            m_lastServed = client->id;
+            if (rc == NK_EOK) {
+                pending.client = client->id;
+                pending.sequence = frame.header.sequence;
+                return NK_EOK;
+            }
+            Refuse(*client, m_receiveBuffer.data(), length, rc, reason);
+        }
     }
 }
 
-int ServerChannel::Reply(const Pending& pending, const nk_message* response, const nk_arena* arena,
-                         const Deadline& deadline) {
+int ServerChannel::Reply(const Pending& pending, const nk_message* response, const nk_arena* arena) {
     const auto connection = FindConnection(pending.client);
     if (!connection) {
         HL_LOG(LogLevel::Debug, "Server {}: client {} has gone before its reply", m_name, pending.client);
@@ -417,19 +649,11 @@ int ServerChannel::Reply(const Pending& pending, const nk_message* response, con
         refusal.result = rc;
         OutgoingPacket bare;
         PrepareBare(refusal, {}, {}, bare);
-        SendPacket(connection->fd.Get(), std::span(bare.parts.data(), bare.partCount), {},
-                   Deadline::FromTimeoutMs(kRefusalSendMs));
+        SendOrKeep(*connection, std::span(bare.parts.data(), bare.partCount), {});
         return rc;
     }
-    const Deadline capped = deadline.IsInfinite() || deadline.RemainingPollMs() > int{kMaxReplySendMs}
-                                ? Deadline::FromTimeoutMs(kMaxReplySendMs)
-                                : deadline;
-    rc = SendPacket(connection->fd.Get(), std::span(out.parts.data(), out.partCount), out.fds, capped);
-    if (rc == NK_TRANSPORT_TIMEOUT) {
-        HL_LOG(LogLevel::Warning, "Server {}: client {} does not take its replies; disconnecting it", m_name,
-               pending.client);
-        Drop(pending.client);
-    } else if (rc != NK_EOK) {
+    rc = SendOrKeep(*connection, std::span(out.parts.data(), out.partCount), out.fds);
+    if (rc != NK_EOK) {
         HL_LOG(LogLevel::Debug, "Server {}: reply to client {} failed with {:#x}", m_name, pending.client,
                static_cast<uint32_t>(rc));
     }

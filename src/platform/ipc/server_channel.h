@@ -1,26 +1,40 @@
 // A named server channel: a listening socket in the runtime directory and the clients connected
 // to it.
 //
-// A pump thread of the channel accepts clients (refusing any whose uid differs from the allowed
-// one, with a log line), answers the connect handshake from the task's component tree, refuses
-// malformed frames with a Refused frame and a log line, and queues well-formed requests. `Receive`
-// takes the next queued request from any client; `Reply` answers the client of a received request.
-// The pump never blocks on one client, so a bad or slow client cannot stop the others.
+// `Receive` reads the next request straight from the clients' sockets on the caller's thread: no
+// queue and no other thread between the socket and the code that serves it. Among clients with a
+// request waiting it takes them in turn (round robin), one request each, so a client that floods
+// gets its share and no more. While it waits it also answers handshakes and refuses malformed
+// frames.
+//
+// A pump thread accepts clients (refusing any whose uid differs from the allowed one, with a log
+// line). While no `Receive` runs for a short while (the serving code is busy), it also answers
+// handshakes and refuses malformed frames; it leaves requests in their sockets for the next
+// `Receive`, so the server never holds more than one request of a client.
+//
+// Answers never block the serving thread: an answer that does not fit into a client's socket
+// waits in that client's outbox, and the client is not read from until the outbox has gone out; a
+// client that takes nothing for 5 seconds is disconnected.
 //
 // Ownership: shared by the handle that names it and by calls running on it. `Shutdown` (on
-// KnHandleClose, or destruction) stops the pump, disconnects every client, wakes receivers and
-// removes the socket file if it is still ours.
-// Thread: all public operations are safe from any thread.
+// KnHandleClose, or destruction) stops the pump, disconnects every client at once, wakes a
+// receiver and removes the socket file if it is still ours.
+// Thread: all public operations are safe from any thread; receivers take turns.
 #pragma once
 
+#include <poll.h>
 #include <sys/types.h>
+#include <sys/uio.h>
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -55,55 +69,84 @@ public:
     // NK_TRANSPORT_TIMEOUT, or NK_ECLOSED after Shutdown. A request that does not fit the caller's
     // room is refused to its client and skipped.
     int Receive(nk_message* request, nk_arena* arena, const Deadline& deadline, Pending& pending);
-    // Sends `response` to the client of `pending`. Returns 0, NK_ECLOSED when that client has
-    // gone, or the failure of building or sending the frame (the client is then told of it).
-    int Reply(const Pending& pending, const nk_message* response, const nk_arena* arena,
-              const Deadline& deadline);
+    // Sends `response` to the client of `pending` without waiting for room (see the outbox above).
+    // Returns 0, NK_ECLOSED when that client has gone, or the failure of building or sending the
+    // frame (the client is then told of it with a Refused frame).
+    int Reply(const Pending& pending, const nk_message* response, const nk_arena* arena);
     const std::string& Name() const { return m_name; }
 
 private:
+    struct OutFrame {
+        std::vector<uint8_t> bytes;
+        std::vector<UniqueFd> fds;
+    };
     struct Connection {
         uint64_t id = 0;
         UniqueFd fd;
-        uint32_t queued = 0;
         bool refused = false;  // a peer of another user: its first frame is refused, then it goes
+        std::mutex sendMutex;  // orders answers: the outbox first, then direct sends
+        std::deque<OutFrame> outbox;
+        std::chrono::steady_clock::time_point outboxSince{};
+        std::atomic<bool> hasOutbox{false};
     };
-    struct QueuedRequest {
-        std::shared_ptr<Connection> connection;
-        std::vector<uint8_t> packet;
-        std::vector<UniqueFd> fds;
-    };
+    using ConnectionList = std::vector<std::shared_ptr<Connection>>;
+    // What reading one client gave.
+    enum class ReadOutcome { Nothing, Handled, Request, Parked };
 
     ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid, UniqueFd listenFd,
-                  UniqueFd wakeFd);
+                  UniqueFd wakeFd, UniqueFd refreshFd, UniqueFd idleTimerFd);
     static std::shared_ptr<ServerChannel> OpenImpl(const std::string& name, uid_t allowedUid, int& rc);
 
     void Run();
-    void Wake();
+    static void Signal(int eventFd);
+    static void Clear(int eventFd);
     void AcceptClients();
-    void ServeClient(const std::shared_ptr<Connection>& connection);
-    void HandleFrame(const std::shared_ptr<Connection>& connection, size_t length,
-                     std::vector<UniqueFd>& fds);
+    // Reads one frame of `connection` into `buffer`. A request is left in `buffer` and `fds` (or,
+    // when `peekRequests`, left unread in the socket); everything else is answered here.
+    ReadOutcome ReadClient(const std::shared_ptr<Connection>& connection, std::vector<uint8_t>& buffer,
+                           std::vector<UniqueFd>& fds, size_t& length, ParsedFrame& frame, bool peekRequests);
     void AnswerResolve(Connection& connection, const ParsedFrame& frame);
     void Refuse(Connection& connection, const uint8_t* packet, size_t length, int code,
                 const std::string& reason);
+    // Sends one frame without waiting; what does not fit now goes to the client's outbox.
+    int SendOrKeep(Connection& connection, std::span<const iovec> parts, std::span<const int> fds);
+    // Sends what waits in the outbox; false when the client has to go (closed, or 5 s without room).
+    bool FlushOutbox(Connection& connection);
+    // Builds the poll set of the clients: readable ones for POLLIN, those with an outbox for POLLOUT.
+    // Returns the poll timeout that the oldest outbox leaves (-1 for none).
+    int PollClients(const ConnectionList& clients, const std::vector<uint64_t>& parked,
+                    std::vector<pollfd>& polled) const;
     void Drop(uint64_t id);
+    ConnectionList Snapshot(uint64_t& generation);
     std::shared_ptr<Connection> FindConnection(uint64_t id);
+    void LeaveReceive();
 
     const std::string m_name;
     const std::string m_path;
     const ino_t m_inode;
     const uid_t m_allowedUid;
     UniqueFd m_listenFd;
-    UniqueFd m_wakeFd;
-    std::vector<uint8_t> m_buffer;  // the pump's packet buffer
+    UniqueFd m_wakeFd;       // wakes the pump
+    UniqueFd m_refreshFd;    // tells a receiver that the clients changed or the channel stops
+    UniqueFd m_idleTimerFd;  // fires when no receiver has run for a while: the pump reads then
+    std::vector<uint8_t> m_pumpBuffer;
 
     std::mutex m_mutex;
-    std::condition_variable m_requestReady;
+    std::condition_variable m_roles;
     bool m_stopping = false;
+    bool m_receiverActive = false;  // a Receive holds the clients' sockets
+    bool m_pumpMayRead = true;      // no Receive has run for a while
+    bool m_pumpReading = false;     // the pump holds the clients' sockets
     uint64_t m_nextClient = 1;
+    uint64_t m_generation = 0;  // changes whenever a client comes or goes
+    uint64_t m_lastServed = 0;  // the client of the last request received, for the round robin
     std::map<uint64_t, std::shared_ptr<Connection>> m_connections;
-    std::deque<QueuedRequest> m_queue;
+
+    // Owned by the receiver of the moment (m_receiverActive).
+    std::vector<uint8_t> m_receiveBuffer;
+    ConnectionList m_receiveClients;
+    uint64_t m_receiveGeneration = ~uint64_t{0};
+    std::vector<pollfd> m_receivePolled;
 
     std::mutex m_shutdownMutex;
     std::thread m_thread;

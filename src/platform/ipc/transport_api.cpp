@@ -64,8 +64,7 @@ int Reply(NkHosTransport* transport, const nk_message* response, const nk_arena*
     const hos::platform::ServerChannel::Pending pending{transport->pendingClient, transport->pendingSequence};
     // A request is answered once; a second reply would reach a client that waits for another.
     transport->pendingClient = 0;
-    return server->Server()->Reply(pending, response, responseArena,
-                                   Deadline::FromTimeoutMs(transport->sendTimeoutMs));
+    return server->Server()->Reply(pending, response, responseArena);
 }
 
 const NkHosTransportOps kOperations{&Call, &Receive, &Reply};
