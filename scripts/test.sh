@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is needed, builds the project and runs every test.
 #   scripts/test.sh            RelWithDebInfo build in build/default
-#   scripts/test.sh asan       AddressSanitizer + UBSan build in build/asan, unit tests only
+#   scripts/test.sh asan       AddressSanitizer + UBSan build in build/asan
+#   scripts/test.sh tsan       ThreadSanitizer build in build/tsan: only the tests labelled
+#                              "concurrency", and only the targets they need
 #   PRESET=ci scripts/test.sh  any configure preset (ci turns warnings into errors)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -9,6 +11,15 @@ preset="${1:-${PRESET:-default}}"
 
 bash scripts/setup.sh
 cmake --preset "$preset"
-cmake --build --preset "$preset" -j "$(nproc)"
-# The real-window tests want an X server; everything else runs on the offscreen platform.
-xvfb-run -a -s "-screen 0 1280x1024x24" ctest --preset "$preset" -j "$(nproc)"
+case "$preset" in
+  *tsan)
+    # The concurrency tests live in these binaries; their peer programs come in as dependencies.
+    cmake --build --preset "$preset" -j "$(nproc)" --target hl_platform_tests
+    ctest --preset "$preset" -j "$(nproc)" -L concurrency
+    ;;
+  *)
+    cmake --build --preset "$preset" -j "$(nproc)"
+    # The real-window tests want an X server; everything else runs on the offscreen platform.
+    xvfb-run -a -s "-screen 0 1280x1024x24" ctest --preset "$preset" -j "$(nproc)"
+    ;;
+esac
