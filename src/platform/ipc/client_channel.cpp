@@ -1,5 +1,6 @@
 #include "ipc/client_channel.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -34,14 +35,22 @@ int AwaitAnswer(int fd, uint32_t sequence, const Deadline& deadline, int timeout
                 std::vector<UniqueFd>& fds) {
     auto& buffer = ThreadBuffer();
     for (;;) {
-        const int ready = WaitReadable(fd, deadline);
-        if (ready == 0) {
-            return timeoutCode;
+        // Without a time limit the read itself waits (the channel's socket blocks), which saves a
+        // poll per call; with one, poll keeps the time.
+        const bool block = deadline.IsInfinite();
+        if (!block) {
+            const int ready = WaitReadable(fd, deadline);
+            if (ready == 0) {
+                return timeoutCode;
+            }
+            if (ready < 0) {
+                return NK_EFAIL;
+            }
         }
-        if (ready < 0) {
-            return NK_EFAIL;
+        const ReadResult read = ReadPacket(fd, buffer, fds, block);
+        if (block && read.status == ReadStatus::WouldBlock && WaitReadable(fd, deadline) < 0) {
+            return NK_EFAIL;  // a channel whose socket does not block (one passed in by a peer)
         }
-        const ReadResult read = ReadPacket(fd, buffer, fds);
         const bool hasHeader = read.length >= NK_MESSAGE_HEADER_SIZE;
         const bool ours = hasHeader && DecodeHeader(buffer.data()).sequence == sequence;
         switch (read.status) {
@@ -100,6 +109,9 @@ int Connect(std::string_view server, const Deadline& deadline, UniqueFd& out) {
     std::memcpy(address.sun_path, path->c_str(), path->size() + 1);
     for (;;) {
         if (::connect(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0) {
+            // Every other use of the socket passes MSG_DONTWAIT; a call without a time limit waits
+            // in its read.
+            ::fcntl(fd.Get(), F_SETFL, ::fcntl(fd.Get(), F_GETFL) & ~O_NONBLOCK);
             out = std::move(fd);
             return NK_EOK;
         }

@@ -31,7 +31,7 @@ void CollectFds(msghdr& message, std::vector<UniqueFd>& fds) {
 
 }  // namespace
 
-ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds) {
+ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds, bool block) {
     fds.clear();
     buffer.resize(kMaxFrameSize + 1);
     alignas(cmsghdr) unsigned char control[kControlSize];
@@ -43,7 +43,7 @@ ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd
     message.msg_controllen = sizeof(control);
     ssize_t got = -1;
     do {
-        got = ::recvmsg(fd, &message, MSG_CMSG_CLOEXEC | MSG_DONTWAIT);
+        got = ::recvmsg(fd, &message, MSG_CMSG_CLOEXEC | (block ? 0 : MSG_DONTWAIT));
     } while (got < 0 && errno == EINTR);
     if (got < 0) {
         if (errno == EAGAIN || errno == EWOULDBLOCK) {

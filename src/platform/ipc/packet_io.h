@@ -27,8 +27,9 @@ struct ReadResult {
     size_t length = 0;
 };
 
-// Reads one packet into `buffer` (resized as needed) and its descriptors into `fds`.
-ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds);
+// Reads one packet into `buffer` (resized as needed) and its descriptors into `fds`. With `block`,
+// a blocking socket waits for the packet (a non-blocking one still answers WouldBlock).
+ReadResult ReadPacket(int fd, std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds, bool block = false);
 
 // Sends one packet made of `parts` with `fds`, waiting for room until `deadline`.
 // Returns 0, NK_ECLOSED, NK_TRANSPORT_TIMEOUT, NK_ETOOBIG or NK_EFAIL.

@@ -27,7 +27,7 @@ using hos::logger::LogLevel;
 using Clock = std::chrono::steady_clock;
 
 // How long the serving code may be away from Receive before the pump answers handshakes for it.
-constexpr long kPumpTakesOverNs = 2'000'000;
+constexpr std::chrono::nanoseconds kPumpTakesOver = std::chrono::milliseconds(2);
 // How long a client may leave its answers unread before it is disconnected.
 constexpr auto kOutboxLimit = std::chrono::seconds(5);
 
@@ -260,8 +260,15 @@ void ServerChannel::Run() {
         }
         if ((polled[2].revents & POLLIN) != 0) {
             Clear(m_idleTimerFd.Get());
+            m_idleTimerArmed.store(false);
+            const auto away =
+                std::chrono::nanoseconds(Clock::now().time_since_epoch().count() - m_leftReceiveAt.load());
             std::lock_guard lock(m_mutex);
-            m_pumpMayRead = !m_receiverActive;
+            if (!m_receiverActive && away >= kPumpTakesOver) {
+                m_pumpMayRead = true;
+            } else if (!m_receiverActive) {
+                ArmIdleTimer(kPumpTakesOver - away);
+            }
         }
         if ((polled[1].revents & POLLIN) != 0) {
             AcceptClients();
@@ -519,9 +526,19 @@ void ServerChannel::LeaveReceive() {
         m_receiverActive = false;
     }
     m_roles.notify_all();
-    // The pump answers handshakes again if the serving code stays away for a while.
+    // The pump answers handshakes again if the serving code stays away for a while. The timer is
+    // set once per period, not per request: when it fires early, the pump sets it again.
+    m_leftReceiveAt.store(Clock::now().time_since_epoch().count());
+    if (!m_idleTimerArmed.load(std::memory_order_relaxed)) {
+        ArmIdleTimer(kPumpTakesOver);
+    }
+}
+
+void ServerChannel::ArmIdleTimer(std::chrono::nanoseconds after) {
+    m_idleTimerArmed.store(true);
     itimerspec idle{};
-    idle.it_value.tv_nsec = kPumpTakesOverNs;
+    idle.it_value.tv_sec = static_cast<time_t>(after.count() / 1'000'000'000);
+    idle.it_value.tv_nsec = std::max<long>(static_cast<long>(after.count() % 1'000'000'000), 1);
     ::timerfd_settime(m_idleTimerFd.Get(), 0, &idle, nullptr);
 }
 

@@ -120,6 +120,7 @@ private:
     ConnectionList Snapshot(uint64_t& generation);
     std::shared_ptr<Connection> FindConnection(uint64_t id);
     void LeaveReceive();
+    void ArmIdleTimer(std::chrono::nanoseconds after);
 
     const std::string m_name;
     const std::string m_path;
@@ -130,6 +131,8 @@ private:
     UniqueFd m_refreshFd;    // tells a receiver that the clients changed or the channel stops
     UniqueFd m_idleTimerFd;  // fires when no receiver has run for a while: the pump reads then
     std::vector<uint8_t> m_pumpBuffer;
+    std::atomic<bool> m_idleTimerArmed{false};
+    std::atomic<int64_t> m_leftReceiveAt{0};  // steady clock, nanoseconds
 
     std::mutex m_mutex;
     std::condition_variable m_roles;
