@@ -80,7 +80,10 @@ int AwaitAnswer(int fd, uint32_t sequence, const Deadline& deadline, int timeout
             HL_LOG(LogLevel::Warning, "Channel: refused a malformed answer: {}", reason);
             return rc;
         }
-        if (frame.header.sequence != sequence) {
+        // A refusal whose sequence the server could not read (a frame shorter than its header)
+        // carries 0, which no call uses: it can only be meant for the call waiting now.
+        const bool unreadableRefused = frame.header.kind == FrameKind::Refused && frame.header.sequence == 0;
+        if (frame.header.sequence != sequence && !unreadableRefused) {
             HL_LOG(LogLevel::Debug, "Channel: dropped a stale answer to call {}", frame.header.sequence);
             fds.clear();
             continue;

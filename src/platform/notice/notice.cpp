@@ -118,7 +118,14 @@ unsigned int Notice::DrainEvents(int fd, bool& closed) {
             HL_LOG(LogLevel::Warning, "Notice: ignored a frame that is not an event {}", reason);
             continue;
         }
-        raised |= static_cast<unsigned int>(frame.header.result);
+        auto mask = static_cast<unsigned int>(frame.header.result);
+        if ((mask & KN_NOTICE_EVENT_CLOSED) != 0) {
+            // Only the platform says that the other end has gone; a peer's claim is refused.
+            HL_LOG(LogLevel::Warning,
+                   "Notice: refused an event frame that raises the closed event (mask {:#x})", mask);
+            mask &= ~KN_NOTICE_EVENT_CLOSED;
+        }
+        raised |= mask;
     }
 }
 

@@ -64,6 +64,13 @@ extern "C" int KnNoticeSetObjectEvent(unsigned int handle, unsigned int mask) {
     if (!object || object->GetKind() != HandleObject::Kind::ObjectEnd) {
         return NK_EBADHANDLE;
     }
+    if ((mask & KN_NOTICE_EVENT_CLOSED) != 0) {
+        HL_LOG(
+            hos::logger::LogLevel::Warning,
+            "KnNoticeSetObjectEvent: bit 0 is the platform's closed event and cannot be raised (mask {:#x})",
+            mask);
+        return NK_EINVAL;
+    }
     FrameHeader frame;
     frame.kind = FrameKind::Event;
     frame.iid = NK_IID_ANY;

@@ -26,9 +26,11 @@ bool EnsureOwnDirectory(const std::string& path) {
         HL_LOG(LogLevel::Error, "Runtime directory {} cannot be created: {}", path, std::strerror(errno));
         return false;
     }
+    // lstat: a symbolic link is refused, wherever it points, so nobody can redirect the directory.
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
-        HL_LOG(LogLevel::Error, "Runtime directory {} is not a directory", path);
+        HL_LOG(LogLevel::Error, "Runtime directory {} is not a directory{}", path,
+               S_ISLNK(info.st_mode) ? " but a symbolic link" : "");
         return false;
     }
     if (info.st_uid != ::geteuid()) {

@@ -1,11 +1,14 @@
 // Handles travelling in messages between this process and a peer, and notices on them.
 #include <gtest/gtest.h>
 
+#include <sys/socket.h>
+
 #include <future>
 #include <thread>
 
 #include <platform/platform.h>
 
+#include "core/handle_table.h"
 #include "peer/test_peer_protocol.h"
 #include "support/peer_process.h"
 #include "support/scoped_runtime_directory.h"
@@ -100,6 +103,29 @@ TEST_F(HandlePassingTest, HandleSentInARequestIsUsableByTheServer) {
     if ((event.mask & KN_NOTICE_EVENT_CLOSED) == 0) {
         EXPECT_EQ(WaitOne().mask & KN_NOTICE_EVENT_CLOSED, KN_NOTICE_EVENT_CLOSED);
     }
+}
+
+TEST_F(HandlePassingTest, ClosedBitIsThePlatformsOwnAndAPeerCannotRaiseIt) {
+    // Through the call, in this process and in the server's.
+    EXPECT_EQ(KnNoticeSetObjectEvent(m_other, KN_NOTICE_EVENT_CLOSED | kUpdate), NK_EINVAL);
+    const auto given = Call(peer::kGiveHandle);
+    ASSERT_EQ(given.rc, 0);
+    const unsigned int handle = given.HandleAt(0);
+    ASSERT_EQ(KnNoticeSubscribeToObject(m_notice, handle, KN_NOTICE_EVENT_CLOSED | kUpdate, 3), 0);
+    EXPECT_EQ(Call(peer::kRaise, KN_NOTICE_EVENT_CLOSED | kUpdate).U32At(24),
+              static_cast<uint32_t>(NK_EINVAL));
+    // As a raw Event frame on the wire: the update arrives, the claimed closing does not.
+    const unsigned char frame[24] = {0xff, 0xff, 0, 0, 24, 0, 0, 0, 6, 0, 1, 0,
+                                     0,    0,    0, 0, 0,  0, 0, 0, 1, 0, 1, 0};
+    ASSERT_EQ(::send(HandleTable::Instance().Find(m_other)->Fd(), frame, sizeof(frame), MSG_NOSIGNAL), 24);
+    EXPECT_EQ(WaitOne().mask, kUpdate);
+    EventDesc event{};
+    unsigned long count = 0;
+    EXPECT_EQ(KnNoticeGetEvent(m_notice, 100, 1, &event, &count), NK_ETIMEOUT);
+    KnHandleClose(m_other);
+    m_other = NK_INVALID_HANDLE;
+    EXPECT_EQ(WaitOne().mask, KN_NOTICE_EVENT_CLOSED);
+    KnHandleClose(handle);
 }
 
 TEST_F(HandlePassingTest, WaitRunsOutWithNothingRaisedAndDropAndWakeEndsEveryWait) {

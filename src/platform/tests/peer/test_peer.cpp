@@ -1,7 +1,23 @@
-// A server process for the platform's integration tests: `hl_platform_test_peer serve NAME`
-// registers NAME, prints "ready" and serves the methods of test_peer_protocol.h until killed.
+// A peer process for the platform's integration tests. Each mode prints "ready" once it runs.
+//   hl_platform_test_peer serve NAME           registers NAME and serves the methods of
+//                                              test_peer_protocol.h until killed
+//   hl_platform_test_peer serve-refusing NAME  a server below the platform: answers a handshake
+//                                              with riid 1 and every request with a Refused frame
+//                                              of sequence 0, as for a frame it could not read
+//   hl_platform_test_peer flood NAME           a client below the platform that sends requests to
+//                                              NAME and never reads an answer; prints "flooding"
+//                                              once the server stops taking them
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -14,6 +30,7 @@ namespace {
 using namespace hos::platform::test_peer;
 
 unsigned int g_keptEnd = NK_INVALID_HANDLE;
+unsigned int g_server = NK_INVALID_HANDLE;
 
 int SetTree() {
     static const HosEndpointDesc endpoints[] = {
@@ -75,6 +92,13 @@ void Serve(nk_message* in, nk_arena& requestArena, unsigned char* out, nk_arena&
             header->sizeFlags = nk_size_word(32, 0);
             break;
         }
+        case kCloseServer:
+            KnHandleClose(g_server);
+            std::puts("closed");
+            std::fflush(stdout);
+            for (;;) {
+                KnSleep(1000);
+            }
         case kFail:
             header->sizeFlags = NK_SERVER_FAILURE_WORD;
             return;
@@ -91,6 +115,7 @@ int RunServer(const char* name) {
     const bool taskReady =
         SetTree() == 0 && HosTaskConnectToService(HosTaskGetSelf(), HosTaskGetSelf(), name) == 0;
     const unsigned int handle = taskReady ? ServiceLocatorRegister(name, 0, 0, &id) : NK_INVALID_HANDLE;
+    g_server = handle;
     if (handle == NK_INVALID_HANDLE) {
         std::fprintf(stderr, "peer: cannot set up the task or register %s\n", name);
         return 2;
@@ -114,12 +139,109 @@ int RunServer(const char* name) {
     }
 }
 
+sockaddr_un ServerAddress(const char* name) {
+    const char* root = std::getenv("HL_RUNTIME_DIR");
+    const std::string path = std::string(root != nullptr ? root : "/tmp") + "/servers/" + name;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::snprintf(address.sun_path, sizeof(address.sun_path), "%s", path.c_str());
+    return address;
+}
+
+// A 24-byte frame header; the wire is little-endian, as this machine.
+std::vector<unsigned char> Header(uint16_t iid, uint16_t mid, uint32_t size, uint16_t kind, uint32_t arena,
+                                  uint32_t sequence, int32_t result) {
+    std::vector<unsigned char> frame(NK_MESSAGE_HEADER_SIZE);
+    const uint16_t version = 1;
+    std::memcpy(&frame[0], &iid, 2);
+    std::memcpy(&frame[2], &mid, 2);
+    std::memcpy(&frame[4], &size, 4);
+    std::memcpy(&frame[8], &kind, 2);
+    std::memcpy(&frame[10], &version, 2);
+    std::memcpy(&frame[12], &arena, 4);
+    std::memcpy(&frame[16], &sequence, 4);
+    std::memcpy(&frame[20], &result, 4);
+    return frame;
+}
+
+int RunRefusingServer(const char* name) {
+    const char* root = std::getenv("HL_RUNTIME_DIR");
+    ::mkdir((std::string(root != nullptr ? root : "/tmp") + "/servers").c_str(), 0700);
+    const sockaddr_un address = ServerAddress(name);
+    const int listener = ::socket(AF_UNIX, SOCK_SEQPACKET, 0);
+    if (listener < 0 || ::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
+        ::listen(listener, 8) != 0) {
+        std::fprintf(stderr, "peer: cannot listen as %s\n", name);
+        return 2;
+    }
+    std::puts("ready");
+    std::fflush(stdout);
+    for (;;) {
+        const int client = ::accept(listener, nullptr, nullptr);
+        unsigned char in[512];
+        ssize_t got = 0;
+        while (client >= 0 &&
+               (got = ::recv(client, in, sizeof(in), 0)) >= static_cast<ssize_t>(NK_MESSAGE_HEADER_SIZE)) {
+            uint32_t sequence = 0;
+            std::memcpy(&sequence, in + 16, 4);
+            std::vector<unsigned char> answer;
+            if (in[8] == 3) {  // Resolve: riid 1
+                answer = Header(NK_IID_ANY, 0, 28, 4, 0, sequence, 0);
+                const uint32_t riid = 1;
+                answer.insert(answer.end(), reinterpret_cast<const unsigned char*>(&riid),
+                              reinterpret_cast<const unsigned char*>(&riid) + 4);
+            } else {
+                answer = Header(0, 0, NK_MESSAGE_HEADER_SIZE, 5, 0, 0, static_cast<int32_t>(NK_EBADMSG));
+            }
+            ::send(client, answer.data(), answer.size(), MSG_NOSIGNAL);
+        }
+        if (client >= 0) {
+            ::close(client);
+        }
+    }
+}
+
+int RunFlood(const char* name) {
+    const sockaddr_un address = ServerAddress(name);
+    const int fd = ::socket(AF_UNIX, SOCK_SEQPACKET, 0);
+    if (fd < 0 || ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        std::fprintf(stderr, "peer: cannot reach %s\n", name);
+        return 2;
+    }
+    std::puts("ready");
+    std::fflush(stdout);
+    bool announced = false;
+    for (uint32_t sequence = 1;; ++sequence) {
+        std::vector<unsigned char> request = Header(kEchoRiid, kEcho, 28, 1, 0, sequence, 0);
+        request.insert(request.end(), 4, 0);
+        if (::send(fd, request.data(), request.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0) {
+            continue;
+        }
+        if (errno != EAGAIN && errno != EWOULDBLOCK) {
+            return 0;  // the server has let this client go
+        }
+        if (!announced) {
+            std::puts("flooding");
+            std::fflush(stdout);
+            announced = true;
+        }
+        pollfd waiting{fd, POLLOUT, 0};
+        ::poll(&waiting, 1, 100);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], "serve") == 0) {
         return RunServer(argv[2]);
     }
-    std::fprintf(stderr, "usage: hl_platform_test_peer serve NAME\n");
+    if (argc == 3 && std::strcmp(argv[1], "serve-refusing") == 0) {
+        return RunRefusingServer(argv[2]);
+    }
+    if (argc == 3 && std::strcmp(argv[1], "flood") == 0) {
+        return RunFlood(argv[2]);
+    }
+    std::fprintf(stderr, "usage: hl_platform_test_peer serve|serve-refusing|flood NAME\n");
     return 1;
 }
