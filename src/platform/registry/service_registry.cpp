@@ -1,6 +1,8 @@
 #include "registry/service_registry.h"
 
 #include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,13 +10,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
 #include <diagnostics/log.h>
 #include <platform/nk_result.h>
 #include <platform/runtime_directory.h>
 
+#include "core/unique_fd.h"
 #include "registry/registry_entry_text.h"
 
 namespace hos::platform {
@@ -23,6 +24,8 @@ namespace {
 using hos::logger::LogLevel;
 
 constexpr size_t kMaxNameLength = 200;
+// An entry is three short lines; anything much larger is not one.
+constexpr off_t kMaxEntryBytes = 4096;
 
 std::vector<std::string> ListDirectory(const std::string& path) {
     std::vector<std::string> names;
@@ -42,13 +45,24 @@ std::vector<std::string> ListDirectory(const std::string& path) {
 }
 
 std::optional<RegistryEntry> ReadEntry(const std::string& root, const std::string& type) {
-    std::ifstream file(root + "/registry/" + type);
-    if (!file) {
+    // An entry is a regular file of its own: a symbolic link put in its place is not followed.
+    const std::string path = root + "/registry/" + type;
+    UniqueFd fd(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    if (!fd.IsValid()) {
+        if (errno == ELOOP) {
+            HL_LOG(LogLevel::Warning, "Registry entry {} is a symbolic link and is ignored", type);
+        }
         return std::nullopt;
     }
-    std::ostringstream text;
-    text << file.rdbuf();
-    auto entry = ParseRegistryEntry(type, text.str());
+    struct stat info {};
+    if (::fstat(fd.Get(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size > kMaxEntryBytes) {
+        HL_LOG(LogLevel::Warning, "Registry entry {} is not a small regular file and is ignored", type);
+        return std::nullopt;
+    }
+    std::string text(static_cast<size_t>(info.st_size), '\0');
+    const ssize_t got = ::read(fd.Get(), text.data(), text.size());
+    text.resize(got > 0 ? static_cast<size_t>(got) : 0);
+    auto entry = ParseRegistryEntry(type, text);
     if (!entry) {
         HL_LOG(LogLevel::Warning, "Registry entry {} is malformed and is ignored", type);
     }
@@ -89,13 +103,17 @@ int ServiceRegistry::Publish(const RegistryEntry& entry) {
     const std::string tempPath = *root + "/registry/." + entry.type + "." + std::to_string(::getpid()) + "." +
                                  std::to_string(counter++);
     {
-        std::ofstream file(tempPath, std::ios::trunc);
+        // A new file of mode 0600: O_EXCL and O_NOFOLLOW never write through something planted.
         RegistryEntry written = entry;
         written.pid = pid;
-        file << FormatRegistryEntry(written);
-        if (!file.flush()) {
-            HL_LOG(LogLevel::Error, "Registry: cannot write {}", tempPath);
-            ::unlink(tempPath.c_str());
+        const std::string text = FormatRegistryEntry(written);
+        UniqueFd fd(::open(tempPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        if (!fd.IsValid() ||
+            ::write(fd.Get(), text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+            HL_LOG(LogLevel::Error, "Registry: cannot write {}: {}", tempPath, std::strerror(errno));
+            if (fd.IsValid()) {
+                ::unlink(tempPath.c_str());
+            }
             return NK_EFAIL;
         }
     }
