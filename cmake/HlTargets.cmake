@@ -66,7 +66,19 @@ function(hl_label_discovered_tests target labels)
   file(WRITE "${script}"
        "if(${target}_TESTS)\n  set_tests_properties(\${${target}_TESTS} PROPERTIES LABELS \"${labels}\")\nendif()\n")
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${script}")
+  if("concurrency" IN_LIST labels)
+    set_property(GLOBAL APPEND PROPERTY HL_CONCURRENCY_TEST_TARGETS ${target})
+  endif()
 endfunction()
+
+# build/<preset>/concurrency-test-targets.txt lists the test executables with a "concurrency" test,
+# one a line, so that the ThreadSanitizer pass builds only those (scripts/test.sh).
+function(hl_write_concurrency_targets)
+  get_property(targets GLOBAL PROPERTY HL_CONCURRENCY_TEST_TARGETS)
+  list(JOIN targets "\n" text)
+  file(WRITE "${CMAKE_BINARY_DIR}/concurrency-test-targets.txt" "${text}\n")
+endfunction()
+cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" CALL hl_write_concurrency_targets)
 
 function(hl_add_test name)
   if(NOT HL_BUILD_TESTS)

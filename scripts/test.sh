@@ -13,8 +13,10 @@ bash scripts/setup.sh
 cmake --preset "$preset"
 case "$preset" in
   *tsan)
-    # The concurrency tests live in these binaries; their peer programs come in as dependencies.
-    cmake --build --preset "$preset" -j "$(nproc)" --target hl_platform_tests
+    # Only the test executables that hold a concurrency test (their peer programs come in as
+    # dependencies); configure lists them.
+    mapfile -t targets < "build/$preset/concurrency-test-targets.txt"
+    cmake --build --preset "$preset" -j "$(nproc)" --target "${targets[@]}"
     ctest --preset "$preset" -j "$(nproc)" -L concurrency
     ;;
   *)
