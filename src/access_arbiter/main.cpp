@@ -3,6 +3,10 @@
 
 #include <access_arbiter/application/access_arbiter.h>
 #include <access_arbiter/interactors/user_decision_interactor.h>
+#include <access_arbiter/ipc/create_dispatcher.h>
+#include <access_arbiter/ipc/i_access_arbiter.h>
+#include <access_arbiter/ipc/stub/access_arbiter.h>
+#include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
 #include <access_arbiter/ui/window/i_window.h>
 #include <access_arbiter/ui/window/i_window_factory.h>
 #include <access_arbiter/ui/window_factory/window_factory.h>
@@ -23,6 +27,7 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 
 int main(int argc, char** argv) {
     // 1. application name; handles its own failure, so it stands before the try
@@ -77,6 +82,18 @@ int main(int argc, char** argv) {
         // 18. the window loads the document and stays hidden until a caller asks for a decision
         std::shared_ptr<windows::components::IWindow> window = windowFactory->CreateWindow();
         HCA_CHECK(window != nullptr) << "Failed to create window!";
+
+        // 19. the decision service; from here on its stub object is the window's only owner
+        std::shared_ptr<access_arbiter::IAccessArbiter> arbiter =
+            std::make_unique<access_arbiter::stub::AccessArbiter>(
+                std::move(window),
+                std::shared_ptr<access_arbiter::interactors::IUserDecisionGetter>(interactor));
+        std::unique_ptr<access_arbiter::stub::IAccessArbiterComponent> component =
+            access_arbiter::stub::CreateAccessArbiterComponent(std::move(arbiter));
+
+        // 20. the dispatcher thread serves from here on; a request before exec waits in Qt's queue
+        auto ipcFacade = access_arbiter::CreateDispatcher(component->GetComponentDispatcher());
+        HCA_CHECK(ipcFacade != nullptr) << "Failed to create ipc dispatcher!";
 
         // 22. event loop
         const int exitCode = QGuiApplication::exec();
