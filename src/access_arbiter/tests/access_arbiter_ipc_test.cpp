@@ -1,0 +1,130 @@
+// The decision service from the wire inward: the published service reached by the generated proxy
+// over the hosted platform, the server-failure answer, and the checks of the chain's classes.
+#include <access_arbiter/interactors/user_decision_interactor.h>
+#include <access_arbiter/ipc/create_dispatcher.h>
+#include <access_arbiter/ipc/stub/access_arbiter.h>
+#include <access_arbiter/ipc/stub/access_arbiter_stub.h>
+#include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
+#include <diagnostics/check_failed_exception.h>
+#include <diagnostics/process_exception.h>
+#include <ipc_runtime/connection_builder.h>
+#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <platform/ipc_utils/find_connection_target_for_type.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace access_arbiter {
+namespace {
+
+using ui::mode::UserDecision;
+
+class CountingWindow final : public windows::components::IWindow {
+public:
+    void Show() override { ++shows; }
+    bool IsVisible() const override { return shows > 0; }
+    void Hide() override {}
+    void Close() override {}
+    void Resize(int, int) override {}
+    std::atomic<int> shows{0};
+};
+
+class FailingGetter final : public interactors::IUserDecisionGetter {
+public:
+    // As the queue does on failure: the decision is left as it was.
+    std::int32_t GetUserDecision(UserDecision& /*decision*/) const override {
+        return static_cast<std::int32_t>(0x8000004Bu);
+    }
+};
+
+class ThrowingArbiter final : public IAccessArbiter {
+public:
+    std::uint8_t GetUserDecision() override { throw std::runtime_error("the dialog is gone"); }
+};
+
+std::string CheckText(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const hca::CheckFailedException&) {
+        return fdn::utils::ProcessException().second;
+    }
+    return "(nothing thrown)";
+}
+
+// The client side as another component would have it: the registry's entry, then the proxy.
+auto ConnectToDecisionService() {
+    const auto target = shared::ipc_utils::FindConnectionTargetForType(
+        "hl.access_arbiter.AccessArbiter.accessArbiter", 0xffffffffu);
+    EXPECT_TRUE(target.found);
+    EXPECT_STREQ(target.server, "accessArbiter_id");
+    const hosipc::api_v1::ConnectionBuilder<hosipc::api_v1::ConnectViaDynamicChannel> connector(
+        target.server, target.service, 5000, false);
+    return hosipc_detail::idl_traits::MakeProxyImpl(
+        connector, stub::GetPureAppResourceProvider(),
+        static_cast<
+            hosipc_detail::idl_traits::ProxyBait<hosipc::idl::stdcpp_v1::hl::access_arbiter::AccessArbiter>*>(
+            nullptr));
+}
+
+TEST(DecisionServiceTest, QueuedDecisionsTravelAsTheirByteAndEachRequestShowsTheWindow) {
+    auto window = std::make_shared<CountingWindow>();
+    auto interactor = std::make_shared<interactors::UserDecisionInteractor>();
+    auto component =
+        stub::CreateAccessArbiterComponent(std::make_shared<stub::AccessArbiter>(window, interactor));
+    auto facade = CreateDispatcher(component->GetComponentDispatcher());
+    ASSERT_NE(facade, nullptr);
+    auto proxy = ConnectToDecisionService();
+    for (const auto& [decision, byte] :
+         {std::pair{UserDecision::Approve, 1}, std::pair{UserDecision::Decline, 0}}) {
+        interactor->SetUserDecision(decision);
+        unsigned char answer = 0xEE;
+        proxy->GetUserDecision(answer);
+        EXPECT_EQ(answer, byte);
+    }
+    EXPECT_EQ(window->shows, 2);
+}
+
+TEST(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNextCallerIsServed) {
+    auto component = stub::CreateAccessArbiterComponent(std::make_shared<ThrowingArbiter>());
+    auto facade = CreateDispatcher(component->GetComponentDispatcher());
+    ASSERT_NE(facade, nullptr);
+    auto proxy = ConnectToDecisionService();
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        unsigned char answer = 0;
+        try {
+            proxy->GetUserDecision(answer);
+            ADD_FAILURE() << "a server failure was answered as a decision";
+        } catch (const std::runtime_error& error) {
+            EXPECT_STREQ(error.what(), "hl_access_arbiter_AccessArbiter_GetUserDecision server error");
+        }
+    }
+}
+
+TEST(DecisionServiceTest, AFailingQueueAnswersDeclineAfterShowingTheWindow) {
+    auto window = std::make_shared<CountingWindow>();
+    stub::AccessArbiter arbiter(window, std::make_shared<FailingGetter>());
+    EXPECT_EQ(arbiter.GetUserDecision(), 0);
+    EXPECT_EQ(window->shows, 1);
+}
+
+TEST(DecisionServiceTest, TheChainRefusesMissingPartsWithItsTexts) {
+    auto window = std::make_shared<CountingWindow>();
+    auto getter = std::make_shared<FailingGetter>();
+    EXPECT_NE(CheckText([&] { stub::AccessArbiter(nullptr, getter); }).find("AccessArbiterWindow is null!"),
+              std::string::npos);
+    EXPECT_NE(CheckText([&] { stub::AccessArbiter(window, nullptr); }).find("User decision getter is null!"),
+              std::string::npos);
+    EXPECT_NE(CheckText([] { stub::AccessArbiterStub(nullptr); }).find("Stub: AccessArbiter is null"),
+              std::string::npos);
+    EXPECT_NE(
+        CheckText([] { stub::CreateAccessArbiterComponent(nullptr); }).find("Stub: AccessArbiter is null"),
+        std::string::npos);
+}
+
+}  // namespace
+}  // namespace access_arbiter
