@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# hl-ask against a real decision server process: approve, decline, server failure, odd answer,
+# peer gone, caller's timeout, service missing, and waiting for a service that comes later.
+#   hl_ask_test.sh HL_ASK DECISION_SERVER
+set -uo pipefail
+ASK=$1
+SERVER=$2
+WORK=$(mktemp -d)
+export HL_RUNTIME_DIR="$WORK/rt"
+PEER=""
+fail() { echo "FAIL: $*" >&2; [ -n "$PEER" ] && kill "$PEER" 2>/dev/null; exit 1; }
+cleanup() { [ -n "$PEER" ] && kill "$PEER" 2>/dev/null; wait 2>/dev/null; rm -rf "$WORK"; }
+trap cleanup EXIT
+
+start() {
+  "$SERVER" "$1" > "$WORK/ready" &
+  PEER=$!
+  for _ in $(seq 100); do grep -q ready "$WORK/ready" 2>/dev/null && return; sleep 0.1; done
+  fail "the decision server ($1) did not come up"
+}
+stop() { kill "$PEER" 2>/dev/null; wait "$PEER" 2>/dev/null; PEER=""; }
+# expect CODE STDOUT STDERR_PATTERN [ARGS...]
+expect() {
+  local code=$1 out=$2 err=$3; shift 3
+  "$ASK" "$@" > "$WORK/out" 2> "$WORK/err"
+  local rc=$?
+  [ $rc -eq "$code" ] || fail "hl-ask $* exited $rc, not $code ($(cat "$WORK/err"))"
+  [ "$(cat "$WORK/out")" = "$out" ] || fail "hl-ask $* printed '$(cat "$WORK/out")'"
+  if [ "$err" = "-" ]; then [ ! -s "$WORK/err" ] || fail "hl-ask $* said $(cat "$WORK/err")"; return; fi
+  grep -qE "$err" "$WORK/err" || fail "hl-ask $* said '$(cat "$WORK/err")', not /$err/"
+}
+
+"$ASK" --help | grep -q "Exit codes" || fail "--help"
+expect 2 "" "needs a number" --timeout
+expect 2 "" "^hl-ask: service not found: nothing publishes hl.access_arbiter.AccessArbiter.accessArbiter"
+start approve;  expect 0 approved -;  stop
+expect 2 "" "service not found: the decision service's server does not answer"
+start decline;  expect 1 declined -;  stop
+start fail;     expect 2 "" "^hl-ask: server failure";  expect 2 "" "server failure";  stop
+start odd;      expect 2 "" "unexpected answer 7";  stop
+start die;      expect 2 "" "^hl-ask: peer gone";  stop
+start hang
+before=$(date +%s%N)
+expect 2 "" "^hl-ask: timed out after 700 ms" --timeout 700
+elapsed=$(( ($(date +%s%N) - before) / 1000000 ))
+[ $elapsed -ge 650 ] || fail "gave up after $elapsed ms"
+stop
+# The service comes up 1.5 s after the caller starts waiting.
+( sleep 1.5; exec "$SERVER" approve > /dev/null ) &
+PEER=$!
+expect 0 approved - --wait-for-service 20000
+stop
+echo PASS
