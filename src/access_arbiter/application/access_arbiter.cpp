@@ -9,6 +9,8 @@
 
 #include <QCoreApplication>
 
+#include <string>
+
 // The UI kit's resource trees; declared at global scope, as rcc defines them there.
 int qInitResources_ui_kit_images();
 int qInitResources_ui_kit_qml();
@@ -19,11 +21,13 @@ AccessArbiter::AccessArbiter() {
     HCA_CHECK(QCoreApplication::instance() != nullptr)
         << "QCoreApplication must be created before AccessArbiter";
     SetApplicationOrganizationInfo();
+    LoadTranslations();
     CreatePaletteProvider();
 }
 
 AccessArbiter::~AccessArbiter() {
     m_paletteProvider.reset();
+    m_translationInstaller.reset();
 }
 
 std::shared_ptr<vdi::uikit::utils::style::PaletteProvider> AccessArbiter::GetPaletteProvider() const {
@@ -44,6 +48,15 @@ void AccessArbiter::SetApplicationOrganizationInfo() {
     QCoreApplication::setOrganizationName(QStringLiteral("Halcyra"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("halcyra.org"));
     QCoreApplication::setApplicationName(QStringLiteral("access_arbiter"));
+}
+
+void AccessArbiter::LoadTranslations() {
+    const std::string locale;
+    m_translationInstaller = vdi::common_utils_ui::translate::CreateTranslationInstaller();
+    HCA_CHECK(m_translationInstaller != nullptr) << "translation installer is null";
+    const int result =
+        m_translationInstaller->Install(QCoreApplication::applicationName().toUtf8().toStdString(), locale);
+    HCA_CHECK_RESULT(result) << "Failed translator installation for locale";
 }
 
 void AccessArbiter::CreatePaletteProvider() {

@@ -11,3 +11,20 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
     add_dependencies(hl_access_arbiter_e2e_tests access_arbiter)
   endif()
 endif()
+
+# The real program's shown window on a real X server (ctest runs under xvfb-run in scripts/test.sh),
+# clicked with real X input events (xdotool) and captured with ImageMagick's import; skips itself
+# when no DISPLAY is set.
+if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
+  hl_add_test(hl_access_arbiter_shown_window_tests
+    SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/shown_window_e2e_test.cpp"
+    DEPS hl_access_arbiter
+    LABELS e2e
+    ENV QT_QPA_PLATFORM=xcb
+    TIMEOUT 300)
+  if(TARGET hl_access_arbiter_shown_window_tests)
+    target_compile_definitions(hl_access_arbiter_shown_window_tests
+      PRIVATE HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>")
+    add_dependencies(hl_access_arbiter_shown_window_tests access_arbiter)
+  endif()
+endif()

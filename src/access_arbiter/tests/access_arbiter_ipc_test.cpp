@@ -13,7 +13,10 @@
 
 #include <gtest/gtest.h>
 
+#include <stdlib.h>
+
 #include <atomic>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -71,7 +74,25 @@ auto ConnectToDecisionService() {
             nullptr));
 }
 
-TEST(DecisionServiceTest, QueuedDecisionsTravelAsTheirByteAndEachRequestShowsTheWindow) {
+// Each case serves "accessArbiter_id" in a runtime directory of its own, so that programs started
+// by other tests at the same time don't hold the name.
+class DecisionServiceTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/hl-decision-service-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        m_runtimeDir = pattern;
+        setenv("HL_RUNTIME_DIR", m_runtimeDir.c_str(), 1);
+    }
+    void TearDown() override {
+        if (!m_runtimeDir.empty()) {
+            std::filesystem::remove_all(m_runtimeDir);
+        }
+    }
+    std::string m_runtimeDir;
+};
+
+TEST_F(DecisionServiceTest, QueuedDecisionsTravelAsTheirByteAndEachRequestShowsTheWindow) {
     auto window = std::make_shared<CountingWindow>();
     auto interactor = std::make_shared<interactors::UserDecisionInteractor>();
     auto component =
@@ -89,7 +110,7 @@ TEST(DecisionServiceTest, QueuedDecisionsTravelAsTheirByteAndEachRequestShowsThe
     EXPECT_EQ(window->shows, 2);
 }
 
-TEST(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNextCallerIsServed) {
+TEST_F(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNextCallerIsServed) {
     auto component = stub::CreateAccessArbiterComponent(std::make_shared<ThrowingArbiter>());
     auto facade = CreateDispatcher(component->GetComponentDispatcher());
     ASSERT_NE(facade, nullptr);
@@ -105,14 +126,14 @@ TEST(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNext
     }
 }
 
-TEST(DecisionServiceTest, AFailingQueueAnswersDeclineAfterShowingTheWindow) {
+TEST_F(DecisionServiceTest, AFailingQueueAnswersDeclineAfterShowingTheWindow) {
     auto window = std::make_shared<CountingWindow>();
     stub::AccessArbiter arbiter(window, std::make_shared<FailingGetter>());
     EXPECT_EQ(arbiter.GetUserDecision(), 0);
     EXPECT_EQ(window->shows, 1);
 }
 
-TEST(DecisionServiceTest, TheChainRefusesMissingPartsWithItsTexts) {
+TEST_F(DecisionServiceTest, TheChainRefusesMissingPartsWithItsTexts) {
     auto window = std::make_shared<CountingWindow>();
     auto getter = std::make_shared<FailingGetter>();
     EXPECT_NE(CheckText([&] { stub::AccessArbiter(nullptr, getter); }).find("AccessArbiterWindow is null!"),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <common_utils_ui/translate/i_translation_installer.h>
 #include <ui_kit/style/palette_provider.h>
 
 #include <memory>
@@ -11,7 +12,8 @@ namespace access_arbiter {
 // no half-built object. The static operations are called by main before the object exists.
 class AccessArbiter {
 public:
-    // Throws hca::CheckFailedException when no QCoreApplication exists yet.
+    // Throws hca::CheckFailedException when no QCoreApplication exists yet or no translation
+    // installer can be made, hca::CheckResultFailedException when the catalogue cannot be installed.
     AccessArbiter();
     ~AccessArbiter();
 
@@ -30,9 +32,14 @@ public:
     static void SetApplicationOrganizationInfo();
 
 private:
+    // Installs the catalogue named after the application. No language setting is read yet, so the
+    // locale is empty, as for an absent setting: the installer takes its default.
+    void LoadTranslations();
     // The dark palette, always: no setting chooses it.
     void CreatePaletteProvider();
 
+    // Kept for its installed translators to stay alive.
+    std::unique_ptr<vdi::common_utils_ui::translate::ITranslationInstaller> m_translationInstaller;
     std::shared_ptr<vdi::uikit::utils::style::PaletteProvider> m_paletteProvider;
 };
 

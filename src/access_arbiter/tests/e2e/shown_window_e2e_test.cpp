@@ -1,0 +1,174 @@
+// The real program on a real X server: a client asks for a decision through the published service,
+// the test reads what the shown window says (its pixels against the reference image of the
+// default language, "ru-RU": an untranslated key or another text would not match) and clicks it with real X
+// input events, then checks the byte received.
+#include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
+#include <ipc_runtime/connection_builder.h>
+#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <platform/ipc_utils/find_connection_target_for_type.h>
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include <signal.h>
+#include <spawn.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <future>
+#include <string>
+#include <thread>
+
+extern char** environ;
+
+namespace {
+
+using namespace std::chrono_literals;
+using Interface = hosipc::idl::stdcpp_v1::hl::access_arbiter::AccessArbiter;
+
+constexpr const char* kServiceType = "hl.access_arbiter.AccessArbiter.accessArbiter";
+std::string Shell(const std::string& command) {
+    std::string output;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[256];
+        while (std::fgets(buffer, sizeof(buffer), pipe) != nullptr) {
+            output += buffer;
+        }
+        pclose(pipe);
+    }
+    while (!output.empty() && (output.back() == '\n' || output.back() == ' ')) {
+        output.pop_back();
+    }
+    return output;
+}
+
+// Share of pixels of which one channel is off by more than 48; 1 when the sizes differ.
+double DifferingShare(const QImage& actual, const QImage& expected) {
+    if (actual.size() != expected.size()) {
+        return 1.0;
+    }
+    qint64 differing = 0;
+    for (int y = 0; y < actual.height(); ++y) {
+        for (int x = 0; x < actual.width(); ++x) {
+            const QRgb a = actual.pixel(x, y);
+            const QRgb e = expected.pixel(x, y);
+            differing += std::max({std::abs(qRed(a) - qRed(e)), std::abs(qGreen(a) - qGreen(e)),
+                                   std::abs(qBlue(a) - qBlue(e))}) > 48;
+        }
+    }
+    return static_cast<double>(differing) / (static_cast<double>(actual.width()) * actual.height());
+}
+
+class ShownWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (std::getenv("DISPLAY") == nullptr || *std::getenv("DISPLAY") == '\0') {
+            GTEST_SKIP() << "DISPLAY is not set: this test needs an X server (run ctest under xvfb-run -a)";
+        }
+        char pattern[] = "/tmp/hl-shown-window-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        m_runtimeDir = pattern;
+        setenv("HL_RUNTIME_DIR", m_runtimeDir.c_str(), 1);
+        setenv("QT_QPA_PLATFORM", "xcb", 1);
+        char* argv[] = {const_cast<char*>("access_arbiter"), nullptr};
+        ASSERT_EQ(posix_spawn(&m_pid, HL_ACCESS_ARBITER_EXECUTABLE, nullptr, nullptr, argv, environ), 0);
+    }
+
+    void TearDown() override {
+        if (m_pid > 0) {
+            kill(m_pid, SIGKILL);
+            waitpid(m_pid, nullptr, 0);
+        }
+        if (!m_runtimeDir.empty()) {
+            std::filesystem::remove_all(m_runtimeDir);
+        }
+    }
+
+    // The generated proxy, connected as any component would: through the registry's entry.
+    auto Connect() {
+        shared::ipc_utils::ConnectionTarget target{};
+        const auto deadline = std::chrono::steady_clock::now() + 120s;  // slow under the sanitizers
+        while (!(target = shared::ipc_utils::FindConnectionTargetForType(kServiceType, 0xffffffffu)).found &&
+               std::chrono::steady_clock::now() < deadline && waitpid(m_pid, nullptr, WNOHANG) == 0) {
+            std::this_thread::sleep_for(50ms);
+        }
+        EXPECT_TRUE(target.found) << "the program did not publish " << kServiceType;
+        m_server = target.server;
+        m_service = target.service;
+        const hosipc::api_v1::ConnectionBuilder<hosipc::api_v1::ConnectViaDynamicChannel> connector(
+            m_server, m_service, 5000, false);
+        return hosipc_detail::idl_traits::MakeProxyImpl(
+            connector, access_arbiter::stub::GetPureAppResourceProvider(),
+            static_cast<hosipc_detail::idl_traits::ProxyBait<Interface>*>(nullptr));
+    }
+
+    // The program's visible window, waited for up to 60 s; empty when none appeared.
+    std::string ShownWindow() const {
+        return Shell("timeout 60 xdotool search --sync --onlyvisible --pid " + std::to_string(m_pid) +
+                     " 2>/dev/null | head -n 1");
+    }
+
+    // Waits until the window is no longer viewable.
+    bool WaitHidden(const std::string& window) const {
+        for (int attempt = 0; attempt < 200; ++attempt) {
+            if (Shell("xwininfo -id " + window + " 2>/dev/null | grep -c IsViewable") == "0") {
+                return true;
+            }
+            std::this_thread::sleep_for(50ms);
+        }
+        return false;
+    }
+
+    std::string m_runtimeDir;
+    std::string m_server;
+    std::string m_service;
+    pid_t m_pid = -1;
+};
+
+TEST_F(ShownWindowTest, ThePersonReadsTheTranslatedDialogAndTheirClickIsTheByteTheCallerGets) {
+    auto proxy = Connect();
+    ASSERT_NE(proxy, nullptr);
+    // Approve is the right button, Decline the left one (dialog coordinates of 320 x 156).
+    for (const auto& [x, expected] : {std::pair{235, 1}, std::pair{85, 0}}) {
+        SCOPED_TRACE(expected == 1 ? "Approve" : "Decline");
+        auto answer = std::async(std::launch::async, [&proxy] {
+            unsigned char decision = 0xEE;
+            proxy->GetUserDecision(decision);
+            return static_cast<int>(decision);
+        });
+        const std::string window = ShownWindow();
+        ASSERT_FALSE(window.empty()) << "no window was shown for the request";
+
+        // Let the first frame settle, then compare what is on the screen with the reference.
+        std::this_thread::sleep_for(300ms);
+        const std::string shot = m_runtimeDir + "/shown.png";
+        Shell("import -window " + window + " png:" + shot);
+        const QImage actual(QString::fromStdString(shot));
+        const QImage expectedImage(
+            QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/tests/visual/reference/dialog-ru-RU.png"));
+        ASSERT_FALSE(actual.isNull()) << "no screenshot of window " << window;
+        const double share = DifferingShare(actual.convertToFormat(QImage::Format_ARGB32),
+                                            expectedImage.convertToFormat(QImage::Format_ARGB32));
+        if (share > 0.005) {  // at most half a percent of the pixels may differ
+            const std::string kept = HL_BINARY_DIR "/visual-failures/shown-window.png";
+            std::filesystem::create_directories(HL_BINARY_DIR "/visual-failures");
+            std::filesystem::copy_file(shot, kept, std::filesystem::copy_options::overwrite_existing);
+            ADD_FAILURE() << "the shown window differs from the reference in " << share * 100
+                          << "% of pixels; screenshot kept as " << kept;
+        }
+
+        Shell("xdotool mousemove --window " + window + " " + std::to_string(x) + " 118 click 1");
+        ASSERT_EQ(answer.wait_for(60s), std::future_status::ready) << "the click did not answer the caller";
+        EXPECT_EQ(answer.get(), expected);
+        EXPECT_TRUE(WaitHidden(window)) << "the click did not hide the window";
+    }
+}
+
+}  // namespace
