@@ -142,12 +142,13 @@ class Channel:
         return sequence
 
     def await_answer(self, sequence):
-        """The next frame with `sequence`; answers to other sequences are skipped."""
+        """The next frame with `sequence`, or a Refused frame with sequence 0 (the refusal of a frame
+        whose sequence the server could not read); answers to other sequences are skipped."""
         while True:
             frame = receive_frame(self.sock)
             if frame is None:
                 raise PlatformError(0x90000019, "the server closed the channel")
-            if frame.sequence == sequence:
+            if frame.sequence == sequence or (frame.kind == REFUSED and frame.sequence == 0):
                 return frame
             for fd in frame.fds:
                 os.close(fd)
