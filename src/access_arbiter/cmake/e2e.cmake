@@ -26,5 +26,11 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
     target_compile_definitions(hl_access_arbiter_shown_window_tests
       PRIVATE HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>")
     add_dependencies(hl_access_arbiter_shown_window_tests access_arbiter)
+    # With the tools built, the program runs under the application manager, as in a session.
+    if(HL_BUILD_TOOLS AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt")
+      target_compile_definitions(hl_access_arbiter_shown_window_tests
+        PRIVATE HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>")
+      add_dependencies(hl_access_arbiter_shown_window_tests hl-appmgr)
+    endif()
   endif()
 endif()

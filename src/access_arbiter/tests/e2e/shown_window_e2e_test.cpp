@@ -77,12 +77,29 @@ protected:
         m_runtimeDir = pattern;
         setenv("HL_RUNTIME_DIR", m_runtimeDir.c_str(), 1);
         setenv("QT_QPA_PLATFORM", "xcb", 1);
+#ifdef HL_APPMGR_EXECUTABLE
+        // As in a session: the application manager starts the program and is its parent.
+        char* argv[] = {const_cast<char*>("hl-appmgr"),
+                        const_cast<char*>("run"),
+                        const_cast<char*>("--restart"),
+                        const_cast<char*>("no"),
+                        const_cast<char*>("--"),
+                        const_cast<char*>(HL_ACCESS_ARBITER_EXECUTABLE),
+                        nullptr};
+        ASSERT_EQ(posix_spawn(&m_pid, HL_APPMGR_EXECUTABLE, nullptr, nullptr, argv, environ), 0);
+#else
         char* argv[] = {const_cast<char*>("access_arbiter"), nullptr};
         ASSERT_EQ(posix_spawn(&m_pid, HL_ACCESS_ARBITER_EXECUTABLE, nullptr, nullptr, argv, environ), 0);
+#endif
     }
 
     void TearDown() override {
         if (m_pid > 0) {
+            // The manager ends its applications on SIGTERM; the program alone simply dies of it.
+            kill(m_pid, SIGTERM);
+            for (int attempt = 0; attempt < 200 && waitpid(m_pid, nullptr, WNOHANG) == 0; ++attempt) {
+                std::this_thread::sleep_for(50ms);
+            }
             kill(m_pid, SIGKILL);
             waitpid(m_pid, nullptr, 0);
         }
@@ -109,9 +126,18 @@ protected:
             static_cast<hosipc_detail::idl_traits::ProxyBait<Interface>*>(nullptr));
     }
 
+    // The program's process: the one started, or the manager's child.
+    std::string ProgramPid() const {
+#ifdef HL_APPMGR_EXECUTABLE
+        return Shell("pgrep -P " + std::to_string(m_pid) + " | head -n 1");
+#else
+        return std::to_string(m_pid);
+#endif
+    }
+
     // The program's visible window, waited for up to 60 s; empty when none appeared.
     std::string ShownWindow() const {
-        return Shell("timeout 60 xdotool search --sync --onlyvisible --pid " + std::to_string(m_pid) +
+        return Shell("timeout 60 xdotool search --sync --onlyvisible --pid " + ProgramPid() +
                      " 2>/dev/null | head -n 1");
     }
 
