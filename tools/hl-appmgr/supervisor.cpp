@@ -138,12 +138,13 @@ void Supervisor::Ended(App& app, int status) {
     } else if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
         kind = EndKind::Clean;
     }
+    // While the manager stops, how the application ends is not a fault of its own.
+    const std::string_view how = app.stopping ? std::string_view("stopped") : EndKindName(kind);
     if (WIFSIGNALED(status)) {
-        HL_LOG(LogLevel::Info, "{}[{}]: killed by signal {} ({})", app.unit.name, pid, WTERMSIG(status),
-               EndKindName(kind));
+        HL_LOG(LogLevel::Info, "{}[{}]: killed by signal {} ({})", app.unit.name, pid, WTERMSIG(status), how);
     } else {
         HL_LOG(LogLevel::Info, "{}[{}]: exited with status {} ({})", app.unit.name, pid, WEXITSTATUS(status),
-               EndKindName(kind));
+               how);
     }
     if (app.stopping) {
         app.state = "stopped";

@@ -61,6 +61,6 @@ wait "$MANAGER"; rc=$?
 MANAGER=""
 [ $rc -eq 0 ] || fail "hl-appmgr exited $rc"
 grep -qE "AccessArbiter\[$pid\]: stopping \(SIGTERM\)" "$WORK/log" || fail "no stop line"
-grep -qE "AccessArbiter\[$pid\]: (exited with status|killed by signal)" "$WORK/log" || fail "the end was not seen"
+grep -qE "AccessArbiter\[$pid\]: (exited with status [0-9]+|killed by signal [0-9]+) \(stopped\)" "$WORK/log" || fail "the end was not seen"
 kill -0 "$pid" 2>/dev/null && fail "the program outlived the manager"
 echo PASS

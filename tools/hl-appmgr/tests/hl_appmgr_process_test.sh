@@ -94,6 +94,6 @@ wait "$MANAGER"; rc=$?
 MANAGER=""
 [ $rc -eq 0 ] || fail "the manager exited $rc"
 grep -qE "steady\[$pid\]: StateChanged\(-2\)" "$WORK/log" || fail "no StateChanged(-2) from steady"
-grep -qE "steady\[$pid\]: exited with status 0" "$WORK/log" || fail "steady did not exit cleanly"
+grep -qE "steady\[$pid\]: exited with status 0 \(stopped\)" "$WORK/log" || fail "steady did not exit cleanly"
 "$APPMGR" status; [ $? -eq 3 ] || fail "status after the manager ended must exit 3"
 echo "PASS"
