@@ -1,0 +1,31 @@
+# The test application manager, a real process the client tests talk to over the hosted platform.
+if(HL_BUILD_TESTS)
+  hl_add_executable(hl_app_manager_test_manager
+    SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_manager.cpp"
+    DEPS hl_ipc_runtime hl_platform)
+  target_sources(hl_app_manager_tests PRIVATE
+    "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
+endif()
+
+# The notice thread's tests. Their cases are discovered one by one (label integration); the whole
+# binary is also one test labelled concurrency, which the thread-sanitizer pass selects.
+hl_add_test(hl_app_manager_concurrency_tests
+  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/concurrency/notice_thread_test.cpp"
+          "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/manager_process.cpp"
+          "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
+  DEPS hl_app_manager
+  LABELS integration)
+if(TARGET hl_app_manager_concurrency_tests)
+  add_test(NAME hl_app_manager_concurrency_tests COMMAND hl_app_manager_concurrency_tests)
+  set_tests_properties(hl_app_manager_concurrency_tests PROPERTIES
+    LABELS concurrency TIMEOUT 300 ENVIRONMENT "${HL_TEST_ENV}")
+endif()
+foreach(_target hl_app_manager_tests hl_app_manager_concurrency_tests)
+  if(TARGET ${_target})
+    target_include_directories(${_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests"
+                                                  "${CMAKE_CURRENT_SOURCE_DIR}/tests")
+    target_compile_definitions(${_target} PRIVATE
+      HL_APP_MANAGER_TEST_MANAGER="$<TARGET_FILE:hl_app_manager_test_manager>")
+    add_dependencies(${_target} hl_app_manager_test_manager)
+  endif()
+endforeach()
