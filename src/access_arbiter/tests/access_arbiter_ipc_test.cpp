@@ -6,10 +6,12 @@
 #include <access_arbiter/ipc/stub/access_arbiter_stub.h>
 #include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
 #include <diagnostics/check_failed_exception.h>
+#include <diagnostics/log_capture_for_testing.h>
 #include <diagnostics/process_exception.h>
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
+#include <platform/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -124,6 +126,23 @@ TEST_F(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNe
             EXPECT_STREQ(error.what(), "hl_access_arbiter_AccessArbiter_GetUserDecision server error");
         }
     }
+}
+
+TEST_F(DecisionServiceTest, AServerNameHeldByAnotherServerGivesNoFacadeAndACriticalLine) {
+    unsigned int id = 0;
+    const unsigned int held = ServiceLocatorRegister("accessArbiter_id", nullptr, 0, &id);
+    ASSERT_NE(held, NK_INVALID_HANDLE);
+    hos::logger::LogCaptureForTesting capture;
+    auto component = stub::CreateAccessArbiterComponent(std::make_shared<ThrowingArbiter>());
+    EXPECT_EQ(CreateDispatcher(component->GetComponentDispatcher()), nullptr);
+    bool critical = false;
+    for (const auto& record : capture.Records()) {
+        critical = critical || (record.level == hos::logger::LogLevel::Critical &&
+                                record.message == "Failed to get handle!");
+    }
+    EXPECT_TRUE(critical);
+    KnHandleClose(held);
+    ServiceLocatorUnregister(id);
 }
 
 TEST_F(DecisionServiceTest, AFailingQueueAnswersDeclineAfterShowingTheWindow) {
