@@ -1,14 +1,20 @@
-# Starts the real executable and reads what it writes; needs the program, so only with main.cpp.
+# Starts the real executable beside the test application manager and reads what both write; needs the
+# program, so only with main.cpp.
 if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
   hl_add_test(hl_access_arbiter_e2e_tests
     SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/process_start_e2e_test.cpp"
+            "${CMAKE_SOURCE_DIR}/src/app_manager/tests/support/manager_process.cpp"
+            "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
     LABELS e2e
     TIMEOUT 300)
   if(TARGET hl_access_arbiter_e2e_tests)
+    target_include_directories(hl_access_arbiter_e2e_tests PRIVATE
+      "${CMAKE_SOURCE_DIR}/src/app_manager/tests" "${CMAKE_SOURCE_DIR}/src/platform/tests")
     # The executable is defined after this file is included; both work with a later target.
-    target_compile_definitions(hl_access_arbiter_e2e_tests
-      PRIVATE HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>")
-    add_dependencies(hl_access_arbiter_e2e_tests access_arbiter)
+    target_compile_definitions(hl_access_arbiter_e2e_tests PRIVATE
+      HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
+      HL_APP_MANAGER_TEST_MANAGER="$<TARGET_FILE:hl_app_manager_test_manager>")
+    add_dependencies(hl_access_arbiter_e2e_tests access_arbiter hl_app_manager_test_manager)
   endif()
 endif()
 
