@@ -168,4 +168,23 @@ TEST_F(ProcessStart, WithoutAManagerTheProgramExitsOneAndNothingReachesAManager)
     EXPECT_TRUE(m_manager->Lines(200ms).empty());
 }
 
+TEST_F(ProcessStart, FailedStartAfterTheStatusExistsIsReportedToTheManagerAndExitsOne) {
+    // The manager holds the decision service's server name, so the program's dispatcher can't be made.
+    StartManager({"--hold", "accessArbiter_id"});
+    Program program("access_arbiter");
+    EXPECT_EQ(program.WaitForExit(kStartTimeout), 1) << program.Text();
+    const std::string error = "Failed to start access_arbiter";
+    const std::string details = error + ": Unspecified error = 0x8000004b";
+    EXPECT_TRUE(
+        m_manager->WaitForLine("FinishWithInternalError access_arbiter|" + error + "|" + details, 10s))
+        << program.Text();
+    EXPECT_NE(program.Text().find("Failed to create ipc dispatcher!"), std::string::npos) << program.Text();
+    EXPECT_NE(program.Text().find("App access_arbiter crashed with error: " + error + " - " + details),
+              std::string::npos)
+        << program.Text();
+    const std::vector<std::string> lines = m_manager->Lines(200ms);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "ReadyToShowUI access_arbiter"), 0);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "ReadyToInitialize access_arbiter"), 1);
+}
+
 }  // namespace

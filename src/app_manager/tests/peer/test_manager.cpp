@@ -1,7 +1,7 @@
 // An application manager for the tests, in a process of its own: serves the controller, commands and
 // watchdog interfaces from their generated stubs over the hosted platform.
 //
-//   hl_app_manager_test_manager <server name> [--no-publish] [--no-handle]
+//   hl_app_manager_test_manager <server name> [--no-publish] [--no-handle] [--hold NAME]
 //
 // Registers <server name> with the endpoints "app_manager.applicationController" (riid 1),
 // "app_manager.applicationCommands" (2) and "app_manager.applicationWatchdog" (3), publishes the type
@@ -13,6 +13,7 @@
 //   GetUpdateHandle <name>      (answers the invalid handle with --no-handle)
 //   GetCommand <name>           (answers value 42, rc = the length of the name)
 //   Ping <name>                 (answers rc = the length of the name)
+// --hold NAME also registers a second server under NAME, so that a program can't take that name.
 // Every request whose name is "throw" fails on the server side. Lines on standard input:
 //   update   raises the update event (bit 16) on the handle given out last
 //   close    closes the manager's end of that handle
@@ -135,7 +136,7 @@ void ReadCommands(Commands& commands) {
     }
 }
 
-int Serve(const char* serverName, bool publish, bool giveHandle) {
+int Serve(const char* serverName, bool publish, bool giveHandle, const std::string& held) {
     static const HosEndpointDesc endpoints[] = {
         {kControllerRiid, "app_manager.applicationController", "applicationController",
          "hl.app_manager.ApplicationController"},
@@ -152,6 +153,12 @@ int Serve(const char* serverName, bool publish, bool giveHandle) {
         (publish && shared::ipc_dispatcher::PublishServices(
                         {{"hl.app_manager.ApplicationManager.applicationManager", serverName}}) != 0)) {
         std::fprintf(stderr, "test manager: can't set up %s\n", serverName);
+        return 1;
+    }
+    unsigned int heldRegistration = 0;
+    if (!held.empty() &&
+        ServiceLocatorRegister(held.c_str(), nullptr, 0, &heldRegistration) == NK_INVALID_HANDLE) {
+        std::fprintf(stderr, "test manager: can't hold %s\n", held.c_str());
         return 1;
     }
     NkHosTransport transport{};
@@ -207,14 +214,17 @@ int Serve(const char* serverName, bool publish, bool giveHandle) {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s <server name> [--no-publish] [--no-handle]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s <server name> [--no-publish] [--no-handle] [--hold NAME]\n", argv[0]);
         return 2;
     }
     bool publish = true;
     bool giveHandle = true;
+    std::string held;
     for (int i = 2; i < argc; ++i) {
         const std::string option = argv[i];
-        if (option == "--no-publish") {
+        if (option == "--hold" && i + 1 < argc) {
+            held = argv[++i];
+        } else if (option == "--no-publish") {
             publish = false;
         } else if (option == "--no-handle") {
             giveHandle = false;
@@ -223,5 +233,5 @@ int main(int argc, char** argv) {
             return 2;
         }
     }
-    return Serve(argv[1], publish, giveHandle);
+    return Serve(argv[1], publish, giveHandle, held);
 }
