@@ -6,6 +6,7 @@
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
+#include <platform/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -195,6 +196,38 @@ TEST_F(ShownWindowTest, ThePersonReadsTheTranslatedDialogAndTheirClickIsTheByteT
         EXPECT_EQ(answer.get(), expected);
         EXPECT_TRUE(WaitHidden(window)) << "the click did not hide the window";
     }
+}
+
+// The program's own failure path at step 20: its server name is held by another server, so the
+// dispatcher cannot be made and the start fails with the check's text.
+TEST(ProgramStartTest, AHeldServerNameFailsTheStartWithTheDispatcherText) {
+    char pattern[] = "/tmp/hl-held-name-XXXXXX";
+    ASSERT_NE(mkdtemp(pattern), nullptr);
+    const std::string runtimeDir = pattern;
+    setenv("HL_RUNTIME_DIR", runtimeDir.c_str(), 1);
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    unsigned int id = 0;
+    const unsigned int held = ServiceLocatorRegister("accessArbiter_id", nullptr, 0, &id);
+    ASSERT_NE(held, NK_INVALID_HANDLE);
+#ifdef HL_APPMGR_EXECUTABLE
+    const std::string program =
+        std::string(HL_APPMGR_EXECUTABLE) + " run --restart no -- " + HL_ACCESS_ARBITER_EXECUTABLE;
+#else
+    const std::string program = HL_ACCESS_ARBITER_EXECUTABLE;
+#endif
+    // The manager goes on after its application has failed, so it is ended once the line is there.
+    const std::string log = runtimeDir + "/start.log";
+    const std::string command =
+        "timeout 120 " + program + " >" + log +
+        " 2>&1 & pid=$!; timeout 120 sh -c \"until grep -q 'Failed to create ipc dispatcher!' " + log +
+        "; do sleep 0.1; done\"; kill $pid 2>/dev/null; wait $pid; grep -m 1 'Failed to create ipc "
+        "dispatcher!' " +
+        log;
+    const std::string line = Shell(command);
+    EXPECT_NE(line.find("AccessArbiter start with error"), std::string::npos) << line;
+    KnHandleClose(held);
+    ServiceLocatorUnregister(id);
+    std::filesystem::remove_all(runtimeDir);
 }
 
 }  // namespace
