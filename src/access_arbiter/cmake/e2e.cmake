@@ -20,8 +20,9 @@ endif()
 
 # The real program's shown window on a real X server (ctest runs under xvfb-run in scripts/test.sh),
 # clicked with real X input events (xdotool) and captured with ImageMagick's import; skips itself
-# when no DISPLAY is set.
-if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
+# when no DISPLAY is set. The program runs under hl-appmgr, as in a session, so only with the tools.
+if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt")
   hl_add_test(hl_access_arbiter_shown_window_tests
     SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/shown_window_e2e_test.cpp"
     DEPS hl_access_arbiter
@@ -29,14 +30,9 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
     ENV QT_QPA_PLATFORM=xcb
     TIMEOUT 300)
   if(TARGET hl_access_arbiter_shown_window_tests)
-    target_compile_definitions(hl_access_arbiter_shown_window_tests
-      PRIVATE HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>")
-    add_dependencies(hl_access_arbiter_shown_window_tests access_arbiter)
-    # With the tools built, the program runs under the application manager, as in a session.
-    if(HL_BUILD_TOOLS AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt")
-      target_compile_definitions(hl_access_arbiter_shown_window_tests
-        PRIVATE HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>")
-      add_dependencies(hl_access_arbiter_shown_window_tests hl-appmgr)
-    endif()
+    target_compile_definitions(hl_access_arbiter_shown_window_tests PRIVATE
+      HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
+      HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>")
+    add_dependencies(hl_access_arbiter_shown_window_tests access_arbiter hl-appmgr)
   endif()
 endif()

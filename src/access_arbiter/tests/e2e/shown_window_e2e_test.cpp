@@ -78,7 +78,6 @@ protected:
         m_runtimeDir = pattern;
         setenv("HL_RUNTIME_DIR", m_runtimeDir.c_str(), 1);
         setenv("QT_QPA_PLATFORM", "xcb", 1);
-#ifdef HL_APPMGR_EXECUTABLE
         // As in a session: the application manager starts the program and is its parent.
         char* argv[] = {const_cast<char*>("hl-appmgr"),
                         const_cast<char*>("run"),
@@ -88,10 +87,6 @@ protected:
                         const_cast<char*>(HL_ACCESS_ARBITER_EXECUTABLE),
                         nullptr};
         ASSERT_EQ(posix_spawn(&m_pid, HL_APPMGR_EXECUTABLE, nullptr, nullptr, argv, environ), 0);
-#else
-        char* argv[] = {const_cast<char*>("access_arbiter"), nullptr};
-        ASSERT_EQ(posix_spawn(&m_pid, HL_ACCESS_ARBITER_EXECUTABLE, nullptr, nullptr, argv, environ), 0);
-#endif
     }
 
     void TearDown() override {
@@ -128,13 +123,7 @@ protected:
     }
 
     // The program's process: the one started, or the manager's child.
-    std::string ProgramPid() const {
-#ifdef HL_APPMGR_EXECUTABLE
-        return Shell("pgrep -P " + std::to_string(m_pid) + " | head -n 1");
-#else
-        return std::to_string(m_pid);
-#endif
-    }
+    std::string ProgramPid() const { return Shell("pgrep -P " + std::to_string(m_pid) + " | head -n 1"); }
 
     // The program's visible window, waited for up to 60 s; empty when none appeared.
     std::string ShownWindow() const {
@@ -209,12 +198,8 @@ TEST(ProgramStartTest, AHeldServerNameFailsTheStartWithTheDispatcherText) {
     unsigned int id = 0;
     const unsigned int held = ServiceLocatorRegister("accessArbiter_id", nullptr, 0, &id);
     ASSERT_NE(held, NK_INVALID_HANDLE);
-#ifdef HL_APPMGR_EXECUTABLE
     const std::string program =
         std::string(HL_APPMGR_EXECUTABLE) + " run --restart no -- " + HL_ACCESS_ARBITER_EXECUTABLE;
-#else
-    const std::string program = HL_ACCESS_ARBITER_EXECUTABLE;
-#endif
     // The manager goes on after its application has failed, so it is ended once the line is there.
     const std::string log = runtimeDir + "/start.log";
     const std::string command =
