@@ -36,6 +36,11 @@ void EndpointHandle::Adopt(std::uint32_t handle, std::uint16_t riid) {
     }
 }
 
+void EndpointHandle::Borrow(std::uint32_t handle, std::uint16_t riid) {
+    Adopt(handle, riid);
+    m_owned = false;
+}
+
 void EndpointHandle::Close() {
     if (m_owned && m_handle != kInvalidHandle) {
         KnHandleClose(m_handle);

@@ -20,6 +20,9 @@ public:
 
     // Takes ownership of handle; a valid handle owned before is closed.
     void Adopt(std::uint32_t handle, std::uint16_t riid);
+    // Uses handle without owning it (another endpoint owns and closes it, and must outlive this one);
+    // a valid handle owned before is closed.
+    void Borrow(std::uint32_t handle, std::uint16_t riid);
 
     std::uint32_t GetHandle() const { return m_handle; }
     bool IsOwned() const { return m_owned; }

@@ -6,6 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <optional>
+
 namespace hos::platform::testing {
 
 std::unique_ptr<PeerProcess> PeerProcess::Start(std::vector<std::string> arguments) {
@@ -41,14 +44,26 @@ PeerProcess::~PeerProcess() {
 bool PeerProcess::WaitForLine(const std::string& line, std::chrono::milliseconds timeout) {
     const auto until = std::chrono::steady_clock::now() + timeout;
     for (;;) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
+        const std::optional<std::string> next = ReadLine(std::max(left, std::chrono::milliseconds(0)));
+        if (!next) {
+            return false;
+        }
+        if (*next == line) {
+            return true;
+        }
+    }
+}
+
+std::optional<std::string> PeerProcess::ReadLine(std::chrono::milliseconds timeout) {
+    const auto until = std::chrono::steady_clock::now() + timeout;
+    for (;;) {
         const auto newline = m_pending.find('\n');
         if (newline != std::string::npos) {
-            const bool found = m_pending.compare(0, newline, line) == 0 && newline == line.size();
+            std::string line = m_pending.substr(0, newline);
             m_pending.erase(0, newline + 1);
-            if (found) {
-                return true;
-            }
-            continue;
+            return line;
         }
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
@@ -57,7 +72,7 @@ bool PeerProcess::WaitForLine(const std::string& line, std::chrono::milliseconds
         ssize_t got = 0;
         if (left.count() <= 0 || ::poll(&waiting, 1, static_cast<int>(left.count())) <= 0 ||
             (got = ::read(m_output, chunk, sizeof(chunk))) <= 0) {
-            return false;
+            return std::nullopt;
         }
         m_pending.append(chunk, static_cast<size_t>(got));
     }

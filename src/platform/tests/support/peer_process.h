@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ public:
 
     // Waits for a line equal to `line`; false on end of output or after `timeout`.
     bool WaitForLine(const std::string& line, std::chrono::milliseconds timeout);
+    // The next line of its output; none on end of output or after `timeout`.
+    std::optional<std::string> ReadLine(std::chrono::milliseconds timeout);
     // Ends the process with SIGKILL and reaps it.
     void Kill();
 

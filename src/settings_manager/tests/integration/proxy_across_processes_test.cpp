@@ -1,0 +1,159 @@
+// The settings client against a settings service in a process of its own, over the hosted
+// platform's channels: the chunked write and read exchanges at their edges, failures of the service
+// and of the connection, and the creator that finds the non-persistent service by name.
+#include <settings_manager/creators.h>
+#include <settings_manager/ipc/create_settings_manager.h>
+#include <settings_manager/setting.h>
+#include <uvc/set_item.h>
+
+#include <diagnostics/log_capture_for_testing.h>
+
+#include "support/peer_process.h"
+#include "support/scoped_runtime_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using hos::platform::testing::PeerProcess;
+using settings_manager::Setting;
+using settings_manager::SettingMap;
+
+constexpr const char* kService = "hl.settings_manager.MSmgr";
+constexpr std::int32_t kCallFailed = static_cast<std::int32_t>(0x80000059u);
+constexpr std::int32_t kArenaFailed = static_cast<std::int32_t>(0x80000062u);
+constexpr std::int32_t kServiceRefused = static_cast<std::int32_t>(0x80000046u);
+
+// A map of nodes - 1 string children: nodes in all with its root.
+Setting Tree(std::size_t nodes, std::size_t valueBytes = 4) {
+    Setting root = SettingMap{};
+    for (std::size_t i = 1; i < nodes; ++i) {
+        uvc::SetItem(root, "n" + std::to_string(100 + i), Setting(std::string(valueBytes, 'v')),
+                     uvc::SetItemInsert);
+    }
+    return root;
+}
+
+uvc::Path At(const std::string& name) {
+    return uvc::Path(uvc::Root).Append("test").Append(name);
+}
+
+class ProxyAcrossProcesses : public testing::Test {
+protected:
+    void Start(std::vector<std::string> options = {}) {
+        std::vector<std::string> arguments{HL_SETTINGS_TEST_SERVER, kService};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        m_server = PeerProcess::Start(arguments);
+        ASSERT_NE(m_server, nullptr) << "the settings server didn't come up";
+        ASSERT_EQ(vdi::common_utils::settings::CreateSettingsManagerNonPersistent(m_manager), 0);
+        ASSERT_EQ(m_manager->GetSettingsSetter(m_setter), 0);
+        ASSERT_EQ(m_manager->GetSettingsGetter(m_getter), 0);
+    }
+
+    // The server's request lines up to (not including) the Delete that marks the end.
+    std::vector<std::string> Transcript() {
+        const auto marker = At("marker");
+        m_setter.reset();
+        std::shared_ptr<settings_manager::ISettingsDeleter> deleter;
+        m_manager->GetSettingsDeleter(deleter);
+        deleter->DeleteSetting(marker);
+        std::vector<std::string> lines;
+        while (auto line = m_server->ReadLine(std::chrono::seconds(10))) {
+            if (line->rfind("Delete ", 0) == 0) {
+                break;
+            }
+            lines.push_back(*line);
+        }
+        m_manager->GetSettingsSetter(m_setter);
+        return lines;
+    }
+
+    hos::platform::testing::ScopedRuntimeDirectory m_directory;
+    std::unique_ptr<PeerProcess> m_server;
+    std::shared_ptr<settings_manager::ISettingsManager> m_manager;
+    std::shared_ptr<settings_manager::ISettingsSetter> m_setter;
+    std::shared_ptr<settings_manager::ISettingsGetter> m_getter;
+};
+
+TEST_F(ProxyAcrossProcesses, WritesGoOutInChunksOfEightAndReadBackWhole) {
+    ASSERT_NO_FATAL_FAILURE(Start({"--read-chunk", "5"}));
+    const struct {
+        std::size_t nodes;
+        std::vector<std::string> requests;
+    } cases[] = {
+        {1, {"Write 1"}},
+        {8, {"Write 8"}},
+        {9, {"Write 8", "WriteNext 1 last=1"}},
+        {16, {"Write 8", "WriteNext 8 last=1"}},
+        {17, {"Write 8", "WriteNext 8 last=0", "WriteNext 1 last=1"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.nodes);
+        const auto path = At("t" + std::to_string(c.nodes));
+        const Setting tree = Tree(c.nodes);
+        EXPECT_EQ(m_setter->SetSetting(path, tree), 0);
+        EXPECT_EQ(Transcript(), c.requests);
+
+        // The service answers five nodes at a time: ReadNext until its last flag.
+        Setting read;
+        EXPECT_EQ(m_getter->GetSetting(path, read), 0);
+        EXPECT_TRUE(read == tree);
+        std::vector<std::string> reads{"Read"};
+        for (std::size_t sent = 5; sent < c.nodes; sent += 5) {
+            reads.push_back("ReadNext");
+        }
+        EXPECT_EQ(Transcript(), reads);
+    }
+}
+
+TEST_F(ProxyAcrossProcesses, WhatDoesNotFitAnArenaFailsBeforeOrWithACancel) {
+    ASSERT_NO_FATAL_FAILURE(Start());
+    hos::logger::LogCaptureForTesting log;
+    // A value block over 8192 bytes first in the tree: nothing reaches the service.
+    Setting big(std::string(9000, 'x'));
+    EXPECT_EQ(m_setter->SetSetting(At("big"), big), kArenaFailed);
+    EXPECT_TRUE(log.Contains(": Write request arena fail"));
+    EXPECT_EQ(Transcript(), std::vector<std::string>{});
+
+    // The same node ninth in the tree: the first chunk goes, the next can't be built, one Cancel.
+    Setting tree = Tree(9);
+    uvc::SetItem(tree, "n999", Setting(std::string(9000, 'x')), uvc::SetItemInsert);
+    EXPECT_EQ(m_setter->SetSetting(At("late"), tree), kArenaFailed);
+    EXPECT_TRUE(log.Contains(": WriteNext request arena fail"));
+    EXPECT_EQ(Transcript(), (std::vector<std::string>{"Write 8", "Cancel"}));
+
+    // A path text of 512 bytes goes out, one of 513 doesn't, for Delete too.
+    std::shared_ptr<settings_manager::ISettingsDeleter> deleter;
+    m_manager->GetSettingsDeleter(deleter);
+    const uvc::Path fits = uvc::Path(uvc::Root).Append(std::string(511, 'p'));
+    const uvc::Path over = uvc::Path(uvc::Root).Append(std::string(512, 'p'));
+    EXPECT_EQ(m_setter->SetSetting(fits, Setting(true)), 0);
+    EXPECT_EQ(m_setter->SetSetting(over, Setting(true)), kArenaFailed);
+    EXPECT_EQ(deleter->DeleteSetting(over), kArenaFailed);
+    EXPECT_TRUE(log.Contains(": Delete request arena fail"));
+    EXPECT_EQ(Transcript(), std::vector<std::string>{"Write 1"});
+}
+
+TEST_F(ProxyAcrossProcesses, AServiceErrorInWriteNextGivesExactlyOneCancelAndItsCode) {
+    ASSERT_NO_FATAL_FAILURE(Start({"--fail-writenext"}));
+    hos::logger::LogCaptureForTesting log;
+    EXPECT_EQ(m_setter->SetSetting(At("t17"), Tree(17)), kServiceRefused);
+    EXPECT_EQ(Transcript(), (std::vector<std::string>{"Write 8", "WriteNext 8 last=0", "Cancel"}));
+    EXPECT_TRUE(log.Contains(": WriteNext call error: nk = 0, hca = "));
+}
+
+TEST_F(ProxyAcrossProcesses, AServiceThatDiesMidExchangeGivesAnErrorNotAHang) {
+    ASSERT_NO_FATAL_FAILURE(Start({"--die-on-writenext"}));
+    hos::logger::LogCaptureForTesting log;
+    EXPECT_EQ(m_setter->SetSetting(At("t9"), Tree(9)), kCallFailed);
+    EXPECT_TRUE(log.Contains(": WriteNext call error: nk = "));
+    Setting read;
+    EXPECT_EQ(m_getter->GetSetting(At("t9"), read), kCallFailed);
+    EXPECT_TRUE(log.Contains(": Read call error: nk = "));
+}
+
+}  // namespace
