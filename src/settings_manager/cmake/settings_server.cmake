@@ -18,7 +18,7 @@ hl_add_test(hl_settings_manager_callback_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/integration/callback_thread_test.cpp"
           ${_hl_sm_platform_test_support}
   DEPS hl_settings_manager
-  LABELS "integration;concurrency")
+  LABELS concurrency)
 
 foreach(_target hl_settings_manager_proxy_tests hl_settings_manager_callback_tests)
   if(TARGET ${_target})
