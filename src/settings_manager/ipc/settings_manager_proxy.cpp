@@ -58,12 +58,13 @@ private:
     nk_arena m_arena{};
 };
 
-// Writes the next chunk of at most eight items; false when the list can't be built.
+// Writes the next chunk of at most eight items, stopping before one that doesn't fit: what did fit
+// goes out, and the rest follows in the next chunk. False when not even one item fits.
 bool WriteChunk(nk_arena& arena, RawItems::const_iterator& next, RawItems::const_iterator end,
                 nk_ptr_t& nodes) {
     const auto chunkEnd = next + std::min<std::ptrdiff_t>(SettingsManagerProxy::kNodesPerChunk, end - next);
     nodes = hos::ipc::arena::impl::Write(arena, next, chunkEnd);
-    return !hos::ipc::arena::IsInvalid(nodes) && next == chunkEnd;
+    return !hos::ipc::arena::IsInvalid(nodes);
 }
 
 void Cancel(NkISM& proxy, std::uint64_t id, trace::Tracer& tracer) {

@@ -119,12 +119,13 @@ TEST_F(ProxyAcrossProcesses, WhatDoesNotFitAnArenaFailsBeforeOrWithACancel) {
     EXPECT_TRUE(log.Contains(": Write request arena fail"));
     EXPECT_EQ(Transcript(), std::vector<std::string>{});
 
-    // The same node ninth in the tree: the first chunk goes, the next can't be built, one Cancel.
-    Setting tree = Tree(9);
+    // The same node fourth in the tree: the three before it go out in the Write, the WriteNext that
+    // would carry it can't be built, and the exchange ends with one Cancel.
+    Setting tree = Tree(3);
     uvc::SetItem(tree, "n999", Setting(std::string(9000, 'x')), uvc::SetItemInsert);
     EXPECT_EQ(m_setter->SetSetting(At("late"), tree), kArenaFailed);
     EXPECT_TRUE(log.Contains(": WriteNext request arena fail"));
-    EXPECT_EQ(Transcript(), (std::vector<std::string>{"Write 8", "Cancel"}));
+    EXPECT_EQ(Transcript(), (std::vector<std::string>{"Write 3", "Cancel"}));
 
     // A path text of 512 bytes goes out, one of 513 doesn't, for Delete too.
     std::shared_ptr<settings_manager::ISettingsDeleter> deleter;
