@@ -26,7 +26,7 @@ enum IdState : std::uint8_t {
     IdStateEmptyId = 5,      // a text has an empty id between delimiters
     IdStateDigitName = 6,    // a name id begins with a digit (from a path object)
     IdStateBadChar = 7,      // a forbidden character in a name, or a non-digit in a numeric id
-    IdStateEmptySpec = 8,    // forbidden of the spec is empty
+    IdStateEmptySpec = 8,    // the IdSpec has no forbidden characters, so no delimiter
 };
 
 }  // namespace uvc
