@@ -7,19 +7,13 @@ if(HL_BUILD_TESTS)
     "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
 endif()
 
-# The notice thread's tests. Their cases are discovered one by one (label integration); the whole
-# binary is also one test labelled concurrency, which the thread-sanitizer pass selects.
+# The notice thread's tests; labelled concurrency too, for the thread-sanitizer pass.
 hl_add_test(hl_app_manager_concurrency_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/concurrency/notice_thread_test.cpp"
           "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/manager_process.cpp"
           "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
   DEPS hl_app_manager
-  LABELS integration)
-if(TARGET hl_app_manager_concurrency_tests)
-  add_test(NAME hl_app_manager_concurrency_tests COMMAND hl_app_manager_concurrency_tests)
-  set_tests_properties(hl_app_manager_concurrency_tests PROPERTIES
-    LABELS concurrency TIMEOUT 300 ENVIRONMENT "${HL_TEST_ENV}")
-endif()
+  LABELS integration concurrency)
 foreach(_target hl_app_manager_tests hl_app_manager_concurrency_tests)
   if(TARGET ${_target})
     target_include_directories(${_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests"

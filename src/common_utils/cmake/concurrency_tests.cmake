@@ -1,12 +1,6 @@
-# The notice wake-up and the watchdog worker. Their cases are discovered one by one (label unit);
-# the whole binary is also one test labelled concurrency, which the thread-sanitizer pass selects.
+# The notice wake-up and the watchdog worker; labelled concurrency too, for the thread-sanitizer pass.
 hl_add_test(hl_common_utils_concurrency_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/concurrency/notice_wake_test.cpp"
           "${CMAKE_CURRENT_SOURCE_DIR}/tests/concurrency/watchdog_worker_test.cpp"
   DEPS hl_common_utils
-  LABELS unit)
-if(TARGET hl_common_utils_concurrency_tests)
-  add_test(NAME hl_common_utils_concurrency_tests COMMAND hl_common_utils_concurrency_tests)
-  set_tests_properties(hl_common_utils_concurrency_tests PROPERTIES
-    LABELS concurrency TIMEOUT 300 ENVIRONMENT "${HL_TEST_ENV}")
-endif()
+  LABELS unit concurrency)
