@@ -135,7 +135,9 @@ endfunction()
 
 # The usual shape of a subsystem folder:
 #   include/      public headers
-#   *.cpp, */*.cpp sources (everything below the folder except tests/, tools/ and cmake/)
+#   *.cpp, */*.cpp sources (everything below the folder except tests/, tools/, cmake/, bench/ and qt/)
+#   qt/           the Qt-side part of a subsystem whose library does without Qt; its cmake/ rules
+#                 build it
 #   tests/*_test.cpp   GoogleTest cases, one test executable for the subsystem (hl_<name>_tests);
 #                      tests/support/*.cpp are linked in; tests/main.cpp replaces gtest's main
 #   cmake/*.cmake  extra rules of the subsystem (resources, QML tests, peer programs), included last
@@ -147,7 +149,7 @@ function(hl_add_subsystem name)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS
        "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h"
        "${CMAKE_CURRENT_SOURCE_DIR}/*.c")
-  list(FILTER sources EXCLUDE REGEX "/(tests|tools|cmake|bench)/")
+  list(FILTER sources EXCLUDE REGEX "/(tests|tools|cmake|bench|qt)/")
   # main.cpp belongs to an executable of the folder, not to its library
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   if(NOT sources)

@@ -34,7 +34,7 @@ constexpr const char* kHelp =
     "applicationManager_id, services app_manager.applicationController, app_manager.applicationCommands,\n"
     "app_manager.applicationWatchdog), starts each application of a unit file and PROGRAM, and\n"
     "supervises them until SIGTERM or SIGINT, which ends the applications (SIGTERM, then SIGKILL after\n"
-    "5 s) and the manager.\n"
+    "the unit's stop_timeout_ms, 5 s by default) and the manager.\n"
     "Each application gets its name as argv[0]; calls are matched to it by that name. Every lifecycle\n"
     "call and every Ping is logged as \"NAME[PID]: CALL\" on standard error.\n"
     "\n"

@@ -182,7 +182,8 @@ void Supervisor::Tick() {
     }
     const auto now = Clock::now();
     for (App& app : m_apps) {
-        if (app.pid > 0 && app.shownUI && !app.hungKill &&
+        // An application being stopped pings no more: its event loop has ended.
+        if (app.pid > 0 && app.shownUI && !app.hungKill && !app.stopping &&
             now - app.watchFrom > std::chrono::milliseconds(app.unit.watchdogIntervalMs)) {
             const auto silentMs =
                 std::chrono::duration_cast<std::chrono::milliseconds>(now - app.watchFrom).count();
@@ -234,10 +235,14 @@ void Supervisor::ApplyCommands() {
 void Supervisor::StopAll() {
     {
         std::lock_guard lock(m_mutex);
+        const auto now = Clock::now();
         for (App& app : m_apps) {
             app.stopping = true;
             if (app.pid > 0) {
-                HL_LOG(LogLevel::Info, "{}[{}]: stopping (SIGTERM)", app.unit.name, app.pid);
+                HL_LOG(LogLevel::Info, "{}[{}]: stopping (SIGTERM); SIGKILL if still there after {} ms",
+                       app.unit.name, app.pid, app.unit.stopTimeoutMs);
+                app.state = "stopping";
+                app.stopDeadline = now + std::chrono::milliseconds(app.unit.stopTimeoutMs);
                 ::kill(app.pid, SIGTERM);
                 ::kill(app.pid, SIGCONT);
             } else {
@@ -245,26 +250,24 @@ void Supervisor::StopAll() {
             }
         }
     }
-    const auto deadline = Clock::now() + kStopGrace;
-    bool killed = false;
     for (;;) {
         Tick();
         bool running = false;
         {
             std::lock_guard lock(m_mutex);
-            const bool late = Clock::now() > deadline;
+            const auto now = Clock::now();
             for (App& app : m_apps) {
                 if (app.pid <= 0) {
                     continue;
                 }
                 running = true;
-                if (late && !killed) {
-                    HL_LOG(LogLevel::Warning, "{}[{}]: did not end within {} ms; sending SIGKILL",
-                           app.unit.name, app.pid, kStopGrace.count());
+                if (now > app.stopDeadline) {
+                    HL_LOG(LogLevel::Warning, "{}[{}]: did not end within {} ms of SIGTERM; sending SIGKILL",
+                           app.unit.name, app.pid, app.unit.stopTimeoutMs);
                     ::kill(app.pid, SIGKILL);
+                    app.stopDeadline = Clock::time_point::max();
                 }
             }
-            killed = killed || late;
         }
         if (!running) {
             return;

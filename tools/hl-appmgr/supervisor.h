@@ -27,7 +27,6 @@ class Supervisor final : public ILifecycleSink {
 public:
     using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::milliseconds kKillGrace{2000};
-    static constexpr std::chrono::milliseconds kStopGrace{5000};
     static constexpr std::int64_t kUpdateEventMask = 1 << 16;
 
     explicit Supervisor(std::vector<Unit> units);
@@ -37,7 +36,9 @@ public:
     void StartAll();
     // Reaps ended processes, enforces the watchdog, restarts what is due, applies posted commands.
     void Tick();
-    // Ends every application: SIGTERM, SIGKILL after kStopGrace. Returns when all are reaped.
+    // Ends every application: SIGTERM, then SIGKILL after the unit's stop_timeout_ms if it is still
+    // there (an application whose teardown waits for something, such as a decision nobody gives).
+    // Each step is logged. Returns when all are reaped; the watchdog no longer applies to them.
     void StopAll();
     StatusTable Status() const;
 
@@ -63,6 +64,7 @@ private:
         Clock::time_point watchFrom{};
         Clock::time_point abortedAt{};
         Clock::time_point restartAt{};
+        Clock::time_point stopDeadline{};
         std::int64_t lastPingUnixMs = -1;
         int restartCount = 0;
         unsigned int updateHandle;

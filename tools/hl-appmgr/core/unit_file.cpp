@@ -101,6 +101,11 @@ UnitParseResult ParseUnit(std::string_view text) {
                 return fail("start_limit_interval_ms must be a positive number");
             }
             result.unit.startLimitIntervalMs = number;
+        } else if (key == "stop_timeout_ms") {
+            if (!ParseNumber(value, number) || number <= 0) {
+                return fail("stop_timeout_ms must be a positive number");
+            }
+            result.unit.stopTimeoutMs = number;
         } else {
             return fail("unknown key '" + std::string(key) + "'");
         }

@@ -10,6 +10,7 @@
 //   restart=no|on-failure|always   (default on-failure)
 //   start_limit=N             at most N starts within start_limit_interval_ms (default 5)
 //   start_limit_interval_ms=N (default 60000)
+//   stop_timeout_ms=N         on the manager's stop, SIGKILL this long after SIGTERM (default 5000)
 // Plain data; ParseUnit is a pure function, safe from any thread.
 #pragma once
 
@@ -32,6 +33,7 @@ struct Unit {
     RestartPolicy restart = RestartPolicy::OnFailure;
     int startLimit = 5;
     std::int64_t startLimitIntervalMs = 60000;
+    std::int64_t stopTimeoutMs = 5000;
 };
 
 struct UnitParseResult {

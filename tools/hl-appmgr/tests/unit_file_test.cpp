@@ -11,7 +11,8 @@ TEST(UnitFile, FullUnitKeepsOrderAndValues) {
         "# the decision service\n"
         "name=AccessArbiter\nprogram=/opt/aa/access_arbiter\nargument=--one\nargument=two words\n"
         "environment=QT_QUICK_BACKEND=software\nenvironment=A==b\n\n"
-        "watchdog_interval_ms=1500\nrestart=always\nstart_limit=3\nstart_limit_interval_ms=9000\n");
+        "watchdog_interval_ms=1500\nrestart=always\nstart_limit=3\nstart_limit_interval_ms=9000\n"
+        "stop_timeout_ms=2500\n");
     ASSERT_TRUE(parsed.ok) << parsed.error;
     EXPECT_EQ(parsed.unit.name, "AccessArbiter");
     EXPECT_EQ(parsed.unit.program, "/opt/aa/access_arbiter");
@@ -25,6 +26,7 @@ TEST(UnitFile, FullUnitKeepsOrderAndValues) {
     EXPECT_EQ(parsed.unit.restart, RestartPolicy::Always);
     EXPECT_EQ(parsed.unit.startLimit, 3);
     EXPECT_EQ(parsed.unit.startLimitIntervalMs, 9000);
+    EXPECT_EQ(parsed.unit.stopTimeoutMs, 2500);
 }
 
 TEST(UnitFile, DefaultsAndNameFromProgram) {
@@ -34,6 +36,7 @@ TEST(UnitFile, DefaultsAndNameFromProgram) {
     EXPECT_EQ(parsed.unit.watchdogIntervalMs, 5000);
     EXPECT_EQ(parsed.unit.restart, RestartPolicy::OnFailure);
     EXPECT_EQ(parsed.unit.startLimit, 5);
+    EXPECT_EQ(parsed.unit.stopTimeoutMs, 5000);
     EXPECT_TRUE(parsed.unit.arguments.empty());
 }
 
@@ -48,6 +51,7 @@ TEST(UnitFile, FaultsNameTheirLine) {
         {"program=a\nwatchdog_interval_ms=0\n", "line 2: watchdog_interval_ms must be a positive number"},
         {"program=a\nwatchdog_interval_ms=5s\n", "line 2: watchdog_interval_ms must be a positive number"},
         {"program=a\nstart_limit=-1\n", "line 2: start_limit must be a number from 1 to 1000"},
+        {"program=a\nstop_timeout_ms=0\n", "line 2: stop_timeout_ms must be a positive number"},
         {"program=a\nenvironment=novalue\n", "line 2: environment needs KEY=VALUE"},
         {"program=a\nenvironment==x\n", "line 2: environment needs KEY=VALUE"},
         {"name=x\n", "line 0: program is missing"},
