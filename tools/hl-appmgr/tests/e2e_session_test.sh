@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # The hosted session end to end on a real X server (Xvfb): hl-appmgr starts the real AccessArbiter,
 # hl-ask asks, real X clicks (xdotool) on Approve and then on Decline give exit codes 0 and 1, and
-# SIGTERM to hl-appmgr ends the program and the manager cleanly.
+# SIGTERM to hl-appmgr ends the program with a normal stop and the manager cleanly. The manager's log
+# of the whole run then holds exactly GetUpdateHandle, ReadyToInitialize, ReadyToShowUI, Pings and
+# StateChanged(-2) from the program, in that order, with Pings never closer than 1000 ms.
 #   e2e_session_test.sh HL_APPMGR ACCESS_ARBITER HL_ASK
 set -uo pipefail
 APPMGR=$1
@@ -56,11 +58,51 @@ pid=$(grep -oE 'AccessArbiter\[[0-9]+\]: started' "$WORK/log" | head -1 | grep -
 kill -0 "$pid" || fail "the program is not running after two requests"
 [ "$(grep -cE 'AccessArbiter\[[0-9]+\]: started' "$WORK/log")" -eq 1 ] || fail "the program was restarted"
 
+# A few seconds of pings for the cadence.
+for _ in $(seq 100); do
+  [ "$(grep -cE "AccessArbiter\[$pid\]: Ping$" "$WORK/log")" -ge 6 ] && break
+  sleep 0.1
+done
+
 kill -TERM "$MANAGER"
 wait "$MANAGER"; rc=$?
 MANAGER=""
 [ $rc -eq 0 ] || fail "hl-appmgr exited $rc"
 grep -qE "AccessArbiter\[$pid\]: stopping \(SIGTERM\)" "$WORK/log" || fail "no stop line"
-grep -qE "AccessArbiter\[$pid\]: (exited with status [0-9]+|killed by signal [0-9]+) \(stopped\)" "$WORK/log" || fail "the end was not seen"
+# A normal stop: the signal ends the event loop, the program reports and exits 0 by itself.
+grep -qE "AccessArbiter\[$pid\]: exited with status 0 \(stopped\)" "$WORK/log" || fail "no normal stop"
+grep -q "AccessArbiter stopped with code 0" "$WORK/log" || fail "the program did not log its stop"
 kill -0 "$pid" 2>/dev/null && fail "the program outlived the manager"
+
+# Every call the manager recorded from the program, in order, and the spacing of its Pings.
+python3 - "$WORK/log" "$pid" <<'PY' || fail "the recorded lifecycle is wrong"
+import datetime, re, sys
+log, pid = sys.argv[1], sys.argv[2]
+calls = []
+for line in open(log, errors="replace"):
+    m = re.match(r"(\S+)Z \S+ +\[APPMGR\] .*: AccessArbiter\[(\d+)\]: (GetUpdateHandle|ReadyToInitialize|"
+                 r"ReadyToShowUI|Ping|StateChanged\(-?\d+\)|FinishWithInternalError.*)$", line)
+    if m:
+        assert m.group(2) == pid, "a call under another pid: " + line
+        calls.append((datetime.datetime.fromisoformat(m.group(1)), m.group(3)))
+names = [name for _, name in calls]
+pings = names.count("Ping")
+assert pings >= 5, names
+assert names == ["GetUpdateHandle", "ReadyToInitialize", "ReadyToShowUI"] + ["Ping"] * pings + ["StateChanged(-2)"], names
+times = [at for at, name in calls if name == "Ping"]
+gaps = [(b - a).total_seconds() * 1000 for a, b in zip(times, times[1:])]
+# The program pings at most once per 1000 ms. The manager stamps a Ping when it arrives, so each
+# stamp carries a delivery delay across two processes: on a quiet machine spacing was 999.5 to
+# 1000.4 ms, hence 1 ms of tolerance. Under load one Ping can arrive a few ms late (gaps of 1005.4
+# then 994.6 were seen), which shortens the next gap without any Ping being sent early. So each Ping
+# is held to the schedule of every earlier one: Ping k must come no earlier than (k - j) * 1000 ms
+# after Ping j, less 1 ms, for some earlier j. A second Ping in one tick, or a timer that fires
+# early, falls behind every earlier schedule and fails; a late delivery does not. A gap over
+# 1500 ms would be a missing Ping.
+offsets = [(at - times[0]).total_seconds() * 1000 - 1000 * k for k, at in enumerate(times)]
+for k in range(1, len(offsets)):
+    assert offsets[k] >= min(offsets[:k]) - 1.0, ("Ping %d came early" % k, gaps)
+assert max(gaps) <= 1500.0, gaps
+print("lifecycle: %d calls, %d pings, spacing %.1f to %.1f ms" % (len(names), pings, min(gaps), max(gaps)))
+PY
 echo PASS
