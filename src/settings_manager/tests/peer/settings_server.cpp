@@ -7,24 +7,25 @@
 // Prints "ready", then one line per request ("Write 8", "WriteNext 1 last=1", "Cancel", "Read",
 // "ReadNext", "Delete <path>", "Subscribe <path>", "Done <sid>"). Read answers N nodes per response
 // (default 8). --fail-writenext answers every WriteNext with rc 0x80000046; --die-on-writenext ends the
-// process at the first WriteNext. A Wait with no update pending is left unanswered (the client's call
-// timeout ends it); a write wakes the subscribers of its path with upd 1.
+// process at the first WriteNext. A Wait with no update pending is held until a write wakes the
+// subscribers of its path (upd 1), or until the client's call timeout ends it.
 // Exit status: 2 for wrong usage, 1 when the server can't be set up.
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism_reg.h>
-#include <ipc_runtime/resource_provider.h>
 #include <settings_manager/node_arena.h>
+#include <settings_manager/service/held_requests.h>
+#include <settings_manager/service/service_host.h>
 
 #include <platform/platform.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,6 @@ namespace {
 using namespace hosipc::idl::stdcpp_v1::hl::settings_manager;
 using hos::ipc::arena::impl::RawItems;
 
-constexpr unsigned int kIsm = 1, kReg = 2, kCbk = 3;
 constexpr std::int32_t kInvalidArgument = static_cast<std::int32_t>(0x80000046u);
 constexpr std::int32_t kNotFound = static_cast<std::int32_t>(0x8000004Au);
 
@@ -57,7 +57,8 @@ class Store final : public NkISM, public NkISMReg, public NkISMCbk {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    explicit Store(Options options) : m_options(options) {}
+    Store(Options options, std::shared_ptr<settings_manager::service::HeldRequests> held)
+        : m_options(options), m_held(std::move(held)) {}
 
     void Read(const Bytes& path, std::uint8_t, std::uint64_t& ncount, nk_ptr_t& nodes, std::uint64_t& id,
               std::int32_t& rc, nk_arena& arena) override {
@@ -141,18 +142,22 @@ public:
         rc = 0;
     }
     void UnregCallback(std::uint64_t, std::int32_t& rc) override { rc = 0; }
-    void Subscribe(std::uint64_t, const Bytes& path, std::uint64_t& sid, std::int32_t& rc) override {
+    void Subscribe(std::uint64_t cid, const Bytes& path, std::uint64_t& sid, std::int32_t& rc) override {
         const std::string text(path.begin(), path.end());
         Say("Subscribe " + text);
         sid = ++m_lastId;
-        m_subscriptions[sid] = text;
+        m_subscriptions[sid] = {cid, text};
         rc = 0;
     }
     void Unsubscribe(std::uint64_t, std::uint64_t sid, std::int32_t& rc) override {
         rc = m_subscriptions.erase(sid) > 0 ? 0 : kNotFound;
     }
-    void Wait(std::uint64_t, std::uint64_t& sid, nk_ptr_t& path, std::uint8_t& upd, std::int32_t& rc,
+    void Wait(std::uint64_t cid, std::uint64_t& sid, nk_ptr_t& path, std::uint8_t& upd, std::int32_t& rc,
               nk_arena& arena) override {
+        if (m_events.empty()) {
+            m_held->HoldCurrent(cid);  // answered when a write brings an update
+            return;
+        }
         const Event event = m_events.front();
         m_events.pop_front();
         hos::ipc::arena::conv::Status status;
@@ -167,8 +172,6 @@ public:
         Say("Done " + std::to_string(sid));
         rc = 0;
     }
-
-    bool HasEvent() const { return !m_events.empty(); }
 
 private:
     struct PendingWrite {
@@ -204,9 +207,10 @@ private:
             m_writes.erase(id);
             return kInvalidArgument;
         }
-        for (const auto& [sid, path] : m_subscriptions) {
-            if (write.path.compare(0, path.size(), path) == 0) {
+        for (const auto& [sid, subscription] : m_subscriptions) {
+            if (write.path.compare(0, subscription.path.size(), subscription.path) == 0) {
                 m_events.push_back({sid, write.path});
+                m_held->Wake(subscription.cid);
             }
         }
         m_trees[write.path] = std::move(write.items);
@@ -215,69 +219,34 @@ private:
     }
 
     Options m_options;
+    std::shared_ptr<settings_manager::service::HeldRequests> m_held;
     std::uint64_t m_lastId = 0;
     std::map<std::string, RawItems> m_trees;
     std::map<std::uint64_t, PendingWrite> m_writes;
     std::map<std::uint64_t, PendingRead> m_reads;
-    std::map<std::uint64_t, std::string> m_subscriptions;
+    struct Subscription {
+        std::uint64_t cid = 0;
+        std::string path;
+    };
+    std::map<std::uint64_t, Subscription> m_subscriptions;
     std::deque<Event> m_events;
 };
 
 int Serve(const char* serverName, Options options) {
-    static const HosEndpointDesc endpoints[] = {
-        {kIsm, "NkISM", "NkISM", "hl.settings_manager.NkISM"},
-        {kReg, "NkISMReg", "NkISMReg", "hl.settings_manager.NkISMReg"},
-        {kCbk, "NkISMCbk", "NkISMCbk", "hl.settings_manager.NkISMCbk"}};
-    const HosComponentTree tree{"hl.settings_manager.TestSmgr", endpoints, 3, nullptr, 0};
-    unsigned int registration = 0;
-    const unsigned int server = HosTaskSetComponentTree(HosTaskGetSelf(), &tree) == 0
-                                    ? ServiceLocatorRegister(serverName, nullptr, 0, &registration)
-                                    : NK_INVALID_HANDLE;
-    if (server == NK_INVALID_HANDLE) {
-        std::fprintf(stderr, "settings server: can't set up %s\n", serverName);
+    auto held = std::make_shared<settings_manager::service::HeldRequests>();
+    Store store(options, held);
+    std::unique_ptr<settings_manager::service::ServiceHost> host;
+    try {
+        host = std::make_unique<settings_manager::service::ServiceHost>(
+            serverName, "hl.settings_manager.TestSmgr",
+            settings_manager::service::ServiceHost::Implementations{&store, &store, &store}, held, 1500);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "settings server: can't set up %s: %s\n", serverName, e.what());
         return 1;
     }
-    NkHosTransport transport{};
-    NkHosTransport_Init(&transport, server, nullptr, 0);
-
-    Store store(options);
-    auto resources = std::make_shared<hosipc_detail::api_v1::ResourceProvider>(
-        hosipc_detail::api_v1::MessageCapacity{}, 0, hosipc::api_v1::ApplicationSettings{});
-    hosipc_detail::idl_traits::Stub<NkISM> ism(&store, resources);
-    hosipc_detail::idl_traits::Stub<NkISMReg> reg(&store, resources);
-    hosipc_detail::idl_traits::Stub<NkISMCbk> cbk(&store, resources);
     Say("ready");
-
-    constexpr std::size_t kMessageRoom = 256;
-    alignas(8) std::array<unsigned char, kMessageRoom> requestBytes{};
-    alignas(8) std::array<unsigned char, kMessageRoom> responseBytes{};
-    std::vector<unsigned char> requestArenaBytes(NkISM::kWriteArena);
-    std::vector<unsigned char> responseArenaBytes(NkISM::kNodesArena);
-    auto* request = reinterpret_cast<nk_message*>(requestBytes.data());
-    auto* response = reinterpret_cast<nk_message*>(responseBytes.data());
     for (;;) {
-        request->sizeFlags = nk_size_word(kMessageRoom, 0);
-        nk_arena requestArena{requestArenaBytes.data(), requestArenaBytes.data(),
-                              requestArenaBytes.data() + requestArenaBytes.size()};
-        if (transport.ops->receive(&transport, request, &requestArena) != 0) {
-            continue;
-        }
-        if (request->iid == kCbk && request->mid == 0 && !store.HasEvent()) {
-            continue;  // held: the next receive drops it, and the client's Wait times out
-        }
-        responseBytes.fill(0);
-        std::fill(responseArenaBytes.begin(), responseArenaBytes.end(), static_cast<unsigned char>(0));
-        response->iid = request->iid;
-        response->mid = request->mid;
-        response->sizeFlags = nk_size_word(NK_MESSAGE_HEADER_SIZE, 0);
-        nk_arena responseArena{responseArenaBytes.data(), responseArenaBytes.data(),
-                               responseArenaBytes.data() + responseArenaBytes.size()};
-        hosipc_detail::api_v1::IDispatcher* stub =
-            request->iid == kIsm   ? static_cast<hosipc_detail::api_v1::IDispatcher*>(&ism)
-            : request->iid == kReg ? static_cast<hosipc_detail::api_v1::IDispatcher*>(&reg)
-                                   : static_cast<hosipc_detail::api_v1::IDispatcher*>(&cbk);
-        stub->DispatchRequest(request->iid, request, &requestArena, response, &responseArena);
-        transport.ops->reply(&transport, response, &responseArena);
+        host->ServeOne(NK_TIMEOUT_INFINITE);
     }
 }
 
