@@ -17,6 +17,8 @@ PACKAGES=(
   libfmt-dev libxkbcommon-dev libwayland-dev libgtest-dev libgmock-dev libbenchmark-dev
   # hl-appmgr reports to systemd (sd_notify)
   libsystemd-dev
+  # hl-settingsd: persistent stores in SQLite, the defaults file in JSON
+  libsqlite3-dev nlohmann-json3-dev
   # runtime of the hosted platform: fonts, X server for real-window tests, image tools
   fontconfig fonts-dejavu-core xvfb xauth librsvg2-bin
   # the headless session of run.sh: real X clicks (xdotool), a screenshot (xwd, convert)

@@ -1,0 +1,94 @@
+// hl-settingsd: one settings service of the hosted platform (see README.md and --help).
+#include "daemon_options.h"
+#include "settings_service.h"
+#include "store_factory.h"
+
+#include <diagnostics/hos_logger.h>
+#include <diagnostics/log.h>
+#include <settings_manager/service/held_requests.h>
+#include <settings_manager/service/service_host.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using hos::logger::LogLevel;
+
+constexpr int kExitStopped = 0;
+constexpr int kExitUsage = 1;
+constexpr int kExitStore = 2;
+constexpr int kExitServe = 3;
+// A Wait held for longer is left to run out on the client (its call timeout is 2000 ms).
+constexpr unsigned int kMaxHoldMs = 1500;
+constexpr unsigned int kReceiveTimeoutMs = 250;
+
+std::atomic<bool> g_stop{false};
+
+void OnStopSignal(int) {
+    g_stop = true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::string error;
+    const auto options = hl_settingsd::ParseOptions(std::vector<std::string>(argv + 1, argv + argc), error);
+    if (!options) {
+        std::fprintf(stderr, "hl-settingsd: %s\n\n%s", error.c_str(), hl_settingsd::kUsage);
+        return kExitUsage;
+    }
+    if (options->help) {
+        std::fputs(hl_settingsd::kUsage, stdout);
+        return kExitStopped;
+    }
+    hos::logger::HOSLogger::Setup("SETTINGSD", static_cast<LogLevel>(options->logLevel), nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGTERM, OnStopSignal);
+    std::signal(SIGINT, OnStopSignal);
+
+    const std::string name(options->service.name);
+    auto held = std::make_shared<settings_manager::service::HeldRequests>();
+    std::unique_ptr<hl_settingsd::SettingsService> service;
+    try {
+        service =
+            std::make_unique<hl_settingsd::SettingsService>(hl_settingsd::MakeTreeStore(*options), held);
+    } catch (const std::exception& e) {
+        HL_LOG(LogLevel::Critical, "{}: the store can't be opened: {}", name, e.what());
+        return kExitStore;
+    }
+    std::unique_ptr<settings_manager::service::ServiceHost> host;
+    try {
+        host = std::make_unique<settings_manager::service::ServiceHost>(
+            name, "hl.settings_manager.SettingsManager",
+            settings_manager::service::ServiceHost::Implementations{service.get(), service.get(),
+                                                                    service.get()},
+            held, kMaxHoldMs);
+    } catch (const std::exception& e) {
+        HL_LOG(LogLevel::Critical, "{}: {}", name, e.what());
+        return kExitServe;
+    }
+    HL_LOG(LogLevel::Info, "{}: serving", name);
+    std::puts("ready");
+    std::fflush(stdout);
+
+    auto lastTick = std::chrono::steady_clock::now();
+    while (!g_stop) {
+        const auto report = host->ServeOne(kReceiveTimeoutMs);
+        for (const std::uint64_t cid : report.gone) {
+            service->DropCallback(cid, "has gone (its Wait can't be answered)");
+        }
+        const auto now = std::chrono::steady_clock::now();
+        if (now - lastTick >= std::chrono::seconds(1)) {
+            service->Tick(now);
+            lastTick = now;
+        }
+    }
+    HL_LOG(LogLevel::Info, "{}: stopped", name);
+    return kExitStopped;
+}

@@ -1,0 +1,393 @@
+#include "settings_service.h"
+
+#include "result_codes.h"
+
+#include <diagnostics/log.h>
+#include <diagnostics/result_code.h>
+#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/node_arena.h>
+#include <settings_manager/path_to_str.h>
+#include <settings_manager/serialize.h>
+#include <uvc/path_text.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace hl_settingsd {
+
+namespace {
+
+using hos::logger::LogLevel;
+using settings_manager::Setting;
+namespace arena = hos::ipc::arena;
+
+constexpr std::size_t kChunkNodes = 8;
+constexpr std::int32_t kOutOfSpace = static_cast<std::int32_t>(0x80000062u);
+
+std::string CodeText(std::int32_t code) {
+    return hcax::ResultCodeText(code);
+}
+
+// The path of a request, or false with a log line.
+bool ParsePath(std::span<const unsigned char> bytes, const char* method, uvc::Path& path) {
+    if (bytes.size() > arena::kMaxPathBytes) {
+        HL_LOG(LogLevel::Warning, "{}: a path text of {} bytes, over {}, refused", method, bytes.size(),
+               arena::kMaxPathBytes);
+        return false;
+    }
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    auto [parsed, state] = uvc::FromString(text, settings_manager::meta::GetIdSpecification());
+    if (state != uvc::IdStateOk) {
+        HL_LOG(LogLevel::Warning,
+               "{}: the path text of {} bytes is not a setting path (uvc::IdState = {}), refused", method,
+               bytes.size(), static_cast<unsigned>(state));
+        return false;
+    }
+    path = std::move(parsed);
+    return true;
+}
+
+}  // namespace
+
+SettingsService::SettingsService(std::unique_ptr<ITreeStore> store,
+                                 std::shared_ptr<settings_manager::service::HeldRequests> held)
+    : m_store(std::move(store)), m_held(std::move(held)), m_tree(m_store ? m_store->Load() : Setting{}) {
+    if (!m_held) {
+        throw std::invalid_argument("HeldRequests is nullptr");
+    }
+}
+
+nk_ptr_t SettingsService::NextChunk(ExchangeTable::Read& read, nk_arena& responseArena, std::int32_t& rc) {
+    const std::size_t count = std::min(kChunkNodes, read.items.size() - read.next);
+    auto first = read.items.cbegin() + static_cast<std::ptrdiff_t>(read.next);
+    const auto start = first;
+    const nk_ptr_t nodes =
+        arena::impl::Write(responseArena, first, first + static_cast<std::ptrdiff_t>(count));
+    if (arena::IsInvalid(nodes)) {
+        HL_LOG(LogLevel::Error, "the node '{}' can't be sent (over the node limits)", first->path);
+        rc = kOutOfSpace;
+        return nodes;
+    }
+    read.next += static_cast<std::size_t>(first - start);
+    rc = kOk;
+    return nodes;
+}
+
+void SettingsService::Read(const Bytes& pathBytes, std::uint8_t readMask, std::uint64_t& ncount,
+                           nk_ptr_t& nodes, std::uint64_t& id, std::int32_t& rc, nk_arena& responseArena) {
+    uvc::Path path;
+    if (!ParsePath(pathBytes, "Read", path)) {
+        rc = kInvalidArgument;
+        return;
+    }
+    Setting view;
+    rc = m_tree.Read(path, readMask, view);
+    if (rc < 0) {
+        HL_LOG(LogLevel::Info, "Read '{}' (mask {:#x}): {}", path, readMask, CodeText(rc));
+        return;
+    }
+    ExchangeTable::Read read;
+    const auto result = settings_manager::Serialize(path, view, read.items);
+    if (result.first < 0) {
+        HL_LOG(LogLevel::Error, "Read '{}': the tree can't be serialized: {}", path, result.second);
+        rc = result.first;
+        return;
+    }
+    ncount = read.items.size();
+    nodes = NextChunk(read, responseArena, rc);
+    if (rc < 0) {
+        return;
+    }
+    if (read.next < read.items.size()) {
+        id = m_exchanges.OpenRead(std::move(read));
+        HL_LOG(LogLevel::Debug, "Read '{}': {} nodes, exchange #{:X}", path, ncount, id);
+    }
+}
+
+void SettingsService::ReadNext(std::uint64_t id, nk_ptr_t& nodes, std::uint8_t& last, std::int32_t& rc,
+                               nk_arena& responseArena) {
+    ExchangeTable::Read* read = m_exchanges.FindRead(id);
+    if (read == nullptr) {
+        HL_LOG(LogLevel::Warning, "ReadNext of #{:X}, which is no open read exchange: refused", id);
+        rc = kNotFound;
+        return;
+    }
+    nodes = NextChunk(*read, responseArena, rc);
+    if (rc < 0) {
+        m_exchanges.Close(id);
+        return;
+    }
+    last = read->next == read->items.size() ? 1 : 0;
+    if (last != 0) {
+        m_exchanges.Close(id);
+    }
+}
+
+void SettingsService::Write(const nk_arena& requestArena, nk_ptr_t pathRef, std::uint8_t mode,
+                            std::uint64_t ncount, nk_ptr_t nodes, std::uint64_t& id, std::int32_t& rc) {
+    arena::conv::Status status;
+    const auto pathBytes = arena::conv::Get(requestArena, pathRef, status);
+    uvc::Path path;
+    if (!status) {
+        HL_LOG(LogLevel::Warning, "Write: the path reference lies outside the request: refused");
+        rc = kInvalidArgument;
+        return;
+    }
+    if (!ParsePath(pathBytes, "Write", path)) {
+        rc = kInvalidArgument;
+        return;
+    }
+    if (!SettingsTree::IsValidMode(mode)) {
+        HL_LOG(LogLevel::Warning, "Write '{}': mode {:#x} refused", path, mode);
+        rc = kInvalidArgument;
+        return;
+    }
+    if (ncount == 0 || ncount > ExchangeTable::kMaxNodes) {
+        HL_LOG(LogLevel::Warning, "Write '{}': {} nodes announced, refused (1 to {})", path, ncount,
+               ExchangeTable::kMaxNodes);
+        rc = ncount == 0 ? kInvalidArgument : kInsufficientResources;
+        return;
+    }
+    ExchangeTable::Write write{path, mode, ncount, {}, 0, {}};
+    if (!arena::impl::Read(requestArena, nodes, write.items)) {
+        HL_LOG(LogLevel::Warning, "Write '{}': the node list lies outside the request: refused", path);
+        rc = kInvalidArgument;
+        return;
+    }
+    if (write.items.size() > ncount) {
+        HL_LOG(LogLevel::Warning, "Write '{}': {} nodes sent where {} were announced: refused", path,
+               write.items.size(), ncount);
+        rc = kMoreThan;
+        return;
+    }
+    if (write.items.size() == ncount) {
+        rc = Commit(path, mode, write.items);
+        return;
+    }
+    write.bytes = ExchangeTable::Bytes(write.items);
+    id = m_exchanges.OpenWrite(std::move(write));
+    HL_LOG(LogLevel::Debug, "Write '{}': {} nodes, exchange #{:X}", path, ncount, id);
+    rc = kOk;
+}
+
+void SettingsService::WriteNext(const nk_arena& requestArena, std::uint64_t id, nk_ptr_t nodes,
+                                std::uint8_t last, std::int32_t& rc) {
+    ExchangeTable::Write* write = m_exchanges.FindWrite(id);
+    if (write == nullptr) {
+        HL_LOG(LogLevel::Warning, "WriteNext of #{:X}, which is no open write exchange: refused", id);
+        rc = kNotFound;
+        return;
+    }
+    ExchangeTable::RawItems items;
+    const char* fault = nullptr;
+    if (!arena::impl::Read(requestArena, nodes, items)) {
+        fault = "the node list lies outside the request";
+        rc = kInvalidArgument;
+    } else if (write->items.size() + items.size() > write->ncount) {
+        fault = "more nodes than announced";
+        rc = kMoreThan;
+    } else if (write->bytes + ExchangeTable::Bytes(items) > ExchangeTable::kMaxBytes) {
+        fault = "more bytes than a write may hold";
+        rc = kInsufficientResources;
+    } else if (last != 0 && write->items.size() + items.size() < write->ncount) {
+        fault = "the last chunk came before all nodes";
+        rc = kLessThan;
+    } else if (last == 0 && write->items.size() + items.size() == write->ncount) {
+        fault = "all nodes came without the last flag";
+        rc = kInvalidArgument;
+    }
+    if (fault != nullptr) {
+        HL_LOG(LogLevel::Warning, "WriteNext #{:X} '{}': {}: the exchange is closed, nothing written", id,
+               write->path, fault);
+        m_exchanges.Close(id);
+        return;
+    }
+    write->bytes += ExchangeTable::Bytes(items);
+    std::move(items.begin(), items.end(), std::back_inserter(write->items));
+    if (last == 0) {
+        rc = kOk;
+        return;
+    }
+    const ExchangeTable::Write whole = std::move(*write);
+    m_exchanges.Close(id);
+    rc = Commit(whole.path, whole.mode, whole.items);
+}
+
+void SettingsService::Cancel(std::uint64_t id, std::int32_t& rc) {
+    if (m_exchanges.Close(id)) {
+        HL_LOG(LogLevel::Info, "exchange #{:X} cancelled", id);
+        rc = kOk;
+    } else {
+        HL_LOG(LogLevel::Warning, "Cancel of #{:X}, which is no open exchange", id);
+        rc = kNotFound;
+    }
+}
+
+std::int32_t SettingsService::Commit(const uvc::Path& path, std::uint8_t mode,
+                                     const ExchangeTable::RawItems& items) {
+    uvc::Path root;
+    Setting tree;
+    const auto result = settings_manager::Deserialize(items, root, tree);
+    if (result.first < 0) {
+        HL_LOG(LogLevel::Warning, "Write '{}': the nodes don't make a tree: {} ({}): nothing written", path,
+               result.second, CodeText(result.first));
+        return result.first;
+    }
+    if (!(root == path)) {
+        HL_LOG(LogLevel::Warning,
+               "Write '{}': the nodes begin at '{}', not at the written path: nothing written", path, root);
+        return kInvalidArgument;
+    }
+    TreeChange change;
+    const std::int32_t planned = m_tree.PlanWrite(path, mode, std::move(tree), change);
+    if (planned < 0) {
+        HL_LOG(LogLevel::Info, "Write '{}' (mode {:#x}): {}", path, mode, CodeText(planned));
+        return planned;
+    }
+    return Change(path, std::move(change), SubscriptionTable::kUpdWritten);
+}
+
+std::int32_t SettingsService::Change(const uvc::Path& path, TreeChange change, std::uint8_t upd) {
+    const std::int32_t committed = m_store->Commit(change);
+    if (committed < 0) {
+        HL_LOG(LogLevel::Error, "the change at '{}' can't be stored: {}: nothing changed", path,
+               CodeText(committed));
+        return committed;
+    }
+    m_tree.Apply(std::move(change));
+    const std::string text = settings_manager::PathToStr(path);
+    for (const std::uint64_t cid : m_subscriptions.Notify(path, text, upd)) {
+        m_held->Wake(cid);
+    }
+    HL_LOG(LogLevel::Debug, "'{}' changed (upd {})", path, upd);
+    return kOk;
+}
+
+void SettingsService::GetAttrib(const Bytes& pathBytes, std::uint8_t& attr, std::int32_t& rc) {
+    uvc::Path path;
+    if (!ParsePath(pathBytes, "GetAttrib", path)) {
+        rc = kInvalidArgument;
+        return;
+    }
+    const Setting* node = m_tree.Find(path);
+    if (node == nullptr) {
+        rc = kNotFound;
+        return;
+    }
+    attr = node->attributes.flag ? 1 : 0;
+    rc = kOk;
+}
+
+void SettingsService::SetAttrib(const Bytes& pathBytes, std::uint8_t attr, std::int32_t& rc) {
+    uvc::Path path;
+    if (!ParsePath(pathBytes, "SetAttrib", path)) {
+        rc = kInvalidArgument;
+        return;
+    }
+    if (attr > 1) {
+        HL_LOG(LogLevel::Warning, "SetAttrib '{}': attribute byte {:#x} refused (0 or 1)", path, attr);
+        rc = kInvalidArgument;
+        return;
+    }
+    TreeChange change;
+    rc = m_tree.PlanSetFlag(path, attr != 0, change);
+    if (rc >= 0) {
+        rc = Change(path, std::move(change), SubscriptionTable::kUpdAttribute);
+    }
+}
+
+void SettingsService::Delete(const Bytes& pathBytes, std::int32_t& rc) {
+    uvc::Path path;
+    if (!ParsePath(pathBytes, "Delete", path)) {
+        rc = kInvalidArgument;
+        return;
+    }
+    TreeChange change;
+    rc = m_tree.PlanDelete(path, change);
+    if (rc >= 0) {
+        rc = Change(path, std::move(change), SubscriptionTable::kUpdDeleted);
+    }
+}
+
+void SettingsService::RegCallback(const Bytes& name, std::uint64_t& cid, std::int32_t& rc) {
+    cid = m_subscriptions.Register(std::chrono::steady_clock::now());
+    HL_LOG(LogLevel::Info, "callback @{:X} registered ({} bytes of name)", cid, name.size());
+    rc = kOk;
+}
+
+void SettingsService::UnregCallback(std::uint64_t cid, std::int32_t& rc) {
+    const auto count = m_subscriptions.Unregister(cid);
+    m_held->Forget(cid);
+    if (!count) {
+        HL_LOG(LogLevel::Warning, "UnregCallback of @{:X}, which is not registered", cid);
+        rc = kNotFound;
+        return;
+    }
+    HL_LOG(LogLevel::Info, "callback @{:X} unregistered with {} subscriptions", cid, *count);
+    rc = kOk;
+}
+
+void SettingsService::Subscribe(std::uint64_t cid, const Bytes& pathBytes, std::uint64_t& sid,
+                                std::int32_t& rc) {
+    uvc::Path path;
+    if (!ParsePath(pathBytes, "Subscribe", path)) {
+        rc = kInvalidArgument;
+        return;
+    }
+    rc = m_subscriptions.Subscribe(cid, path, sid);
+    if (rc < 0) {
+        HL_LOG(LogLevel::Warning, "Subscribe '{}' of @{:X}: {}", path, cid, CodeText(rc));
+        return;
+    }
+    HL_LOG(LogLevel::Info, "@{:X} subscribed to '{}' as ${}", cid, path, sid);
+}
+
+void SettingsService::Unsubscribe(std::uint64_t cid, std::uint64_t sid, std::int32_t& rc) {
+    rc = m_subscriptions.Unsubscribe(cid, sid);
+    if (rc < 0) {
+        HL_LOG(LogLevel::Warning, "Unsubscribe ${} of @{:X}: {}", sid, cid, CodeText(rc));
+    }
+}
+
+void SettingsService::Wait(std::uint64_t cid, std::uint64_t& sid, nk_ptr_t& path, std::uint8_t& upd,
+                           std::int32_t& rc, nk_arena& responseArena) {
+    if (!m_subscriptions.Known(cid)) {
+        HL_LOG(LogLevel::Info, "Wait of @{:X}, which is not registered", cid);
+        rc = kNotFound;
+        return;
+    }
+    auto update = m_subscriptions.Take(cid, std::chrono::steady_clock::now());
+    if (!update) {
+        m_held->HoldCurrent(cid);
+        return;
+    }
+    arena::conv::Status status;
+    path = arena::conv::Put(
+        responseArena, {reinterpret_cast<const unsigned char*>(update->path.data()), update->path.size()},
+        NkISMCbk::kWaitArena, status);
+    sid = update->sid;
+    upd = update->upd;
+    rc = status ? kOk : kOutOfSpace;
+}
+
+void SettingsService::Done(std::uint64_t cid, std::uint64_t sid, std::int32_t& rc) {
+    rc = m_subscriptions.Known(cid) ? kOk : kNotFound;
+    HL_LOG(LogLevel::Debug, "Done ${} of @{:X}", sid, cid);
+}
+
+void SettingsService::Tick(std::chrono::steady_clock::time_point now) {
+    m_exchanges.Expire(now);
+    for (const std::uint64_t cid : m_subscriptions.Silent(now)) {
+        DropCallback(cid, "has not called Wait for a minute");
+    }
+}
+
+void SettingsService::DropCallback(std::uint64_t cid, const char* why) {
+    const auto count = m_subscriptions.Unregister(cid);
+    m_held->Forget(cid);
+    if (count) {
+        HL_LOG(LogLevel::Warning, "callback @{:X} {}: dropped with its {} subscriptions", cid, why, *count);
+    }
+}
+
+}  // namespace hl_settingsd

@@ -1,0 +1,72 @@
+#pragma once
+// Callback registrations (cid) and their subscriptions (sid) of a settings service, with the updates
+// waiting for each cid's next Wait.
+//
+// A change at path P wakes every subscription whose path is P, lies above P, or lies below P (its node
+// was replaced or removed with P's subtree). Each gets one update with P's path text and the kind:
+// kUpdWritten, kUpdDeleted or kUpdAttribute. At most kMaxQueued updates wait per cid; one more drops
+// the oldest with a log line. Ids count up from 1, cids and sids alike.
+//
+// A cid that hasn't called Wait for kSilenceLimit is taken as gone (its client died without
+// unregistering); the service drops it (Silent, Unregister).
+//
+// Thread: the service's serving thread only.
+
+#include <uvc/path.h>
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace hl_settingsd {
+
+class SubscriptionTable {
+public:
+    using Clock = std::chrono::steady_clock;
+    static constexpr std::uint8_t kUpdWritten = 1;
+    static constexpr std::uint8_t kUpdDeleted = 2;
+    static constexpr std::uint8_t kUpdAttribute = 3;
+    static constexpr std::size_t kMaxQueued = 1024;
+    static constexpr std::size_t kMaxSubscriptions = 4096;
+    static constexpr std::chrono::seconds kSilenceLimit{60};
+
+    struct Update {
+        std::uint64_t sid = 0;
+        std::string path;
+        std::uint8_t upd = 0;
+    };
+
+    std::uint64_t Register(Clock::time_point now);
+    // The number of subscriptions the cid had; none if the cid is unknown.
+    std::optional<std::size_t> Unregister(std::uint64_t cid);
+    bool Known(std::uint64_t cid) const { return m_callbacks.count(cid) != 0; }
+
+    // kNotFound for an unknown cid, kInsufficientResources over kMaxSubscriptions.
+    std::int32_t Subscribe(std::uint64_t cid, uvc::Path path, std::uint64_t& sid);
+    std::int32_t Unsubscribe(std::uint64_t cid, std::uint64_t sid);
+
+    // Queues the updates of a change at path; returns the cids that got one.
+    std::set<std::uint64_t> Notify(const uvc::Path& path, const std::string& pathText, std::uint8_t upd);
+    // Notes a Wait of cid now and takes its oldest update, if any.
+    std::optional<Update> Take(std::uint64_t cid, Clock::time_point now);
+    bool HasUpdate(std::uint64_t cid) const;
+    std::vector<std::uint64_t> Silent(Clock::time_point now) const;
+
+private:
+    struct Callback {
+        std::map<std::uint64_t, uvc::Path> subscriptions;
+        std::deque<Update> queue;
+        Clock::time_point lastWait;
+    };
+
+    std::uint64_t m_lastId = 0;
+    std::size_t m_subscriptionCount = 0;
+    std::map<std::uint64_t, Callback> m_callbacks;
+};
+
+}  // namespace hl_settingsd

@@ -1,0 +1,44 @@
+#include "support/settingsd_process.h"
+
+#include <fstream>
+#include <sstream>
+
+namespace hl_settingsd::testing {
+
+namespace {
+
+std::string Quoted(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text) {
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+}  // namespace
+
+std::unique_ptr<SettingsdProcess> SettingsdProcess::Start(const std::vector<std::string>& arguments,
+                                                          const std::string& logFile) {
+    std::string command = "exec " + Quoted(HL_SETTINGSD);
+    for (const auto& argument : arguments) {
+        command += " " + Quoted(argument);
+    }
+    command += " 2>>" + Quoted(logFile);
+    auto peer = hos::platform::testing::PeerProcess::Start({"/bin/sh", "-c", command});
+    if (!peer) {
+        return nullptr;
+    }
+    auto process = std::unique_ptr<SettingsdProcess>(new SettingsdProcess());
+    process->m_peer = std::move(peer);
+    process->m_logFile = logFile;
+    return process;
+}
+
+std::string SettingsdProcess::Log() const {
+    std::ifstream in(m_logFile);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+}  // namespace hl_settingsd::testing

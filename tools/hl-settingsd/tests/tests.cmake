@@ -1,0 +1,22 @@
+# The tests of hl-settingsd: the program as a real process over the hosted platform, driven through
+# the settings client (and the generated NkISM client for what the client never sends).
+if(NOT HL_BUILD_TESTS)
+  return()
+endif()
+
+set(_hl_settingsd_test_support
+  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
+  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
+  "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/settingsd_process.cpp")
+
+hl_add_test(hl_settingsd_tests
+  SOURCES tests/store_rules_process_test.cpp ${_hl_settingsd_test_support}
+  DEPS hl_settings_manager
+  LABELS integration)
+
+if(TARGET hl_settingsd_tests)
+  target_include_directories(hl_settingsd_tests PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests"
+                                                        "${CMAKE_CURRENT_SOURCE_DIR}/tests")
+  target_compile_definitions(hl_settingsd_tests PRIVATE HL_SETTINGSD="$<TARGET_FILE:hl-settingsd>")
+  add_dependencies(hl_settingsd_tests hl-settingsd)
+endif()
