@@ -14,7 +14,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
 cmake --preset default >/dev/null
-cmake --build --preset default -j "$(nproc)" --target access_arbiter access_arbiter_preview hl-ipc hl-appmgr hl-ask
+cmake --build --preset default -j "$(nproc)" --target access_arbiter access_arbiter_preview hl-ipc hl-appmgr hl-ask \
+  hl_settings_manager_test_server
 
 BIN=build/default
 SESSION=$(mktemp -d "${TMPDIR:-/tmp}/hl-session.XXXXXX")
@@ -23,9 +24,10 @@ export FONTCONFIG_FILE="$PWD/tools/hosted-session/fontconfig/fonts.conf"
 export QT_QUICK_BACKEND="${QT_QUICK_BACKEND:-software}"
 SCREENSHOT="${HL_SCREENSHOT:-$PWD/dialog-shown.png}"
 
-XVFB="" MANAGER=""
+XVFB="" MANAGER="" SETTINGSD=""
 end_session() {
   if [ -n "$MANAGER" ]; then kill -TERM "$MANAGER" 2>/dev/null || true; wait "$MANAGER" 2>/dev/null || true; fi
+  if [ -n "$SETTINGSD" ]; then kill "$SETTINGSD" 2>/dev/null || true; wait "$SETTINGSD" 2>/dev/null || true; fi
   if [ -n "$XVFB" ]; then kill "$XVFB" 2>/dev/null || true; wait "$XVFB" 2>/dev/null || true; fi
   rm -rf "$SESSION"
 }
@@ -42,6 +44,10 @@ if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
   export DISPLAY=":$(head -1 "$SESSION/display")"
   export QT_QPA_PLATFORM=xcb
 fi
+
+# The non-persistent settings service the program reads its language from.
+"$BIN/src/settings_manager/hl_settings_manager_test_server" hl.settings_manager.MSmgr > /dev/null &
+SETTINGSD=$!
 
 "$BIN/tools/hl-appmgr/hl-appmgr" run --name AccessArbiter -- "$PWD/$BIN/src/access_arbiter/access_arbiter" "$@" \
   2> >(tee "$SESSION/appmgr.log" >&2) &

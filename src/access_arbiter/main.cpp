@@ -19,11 +19,13 @@
 #include <common_utils_ui/app_shutdown/qt_app_shutdown.h>
 #include <common_utils_ui/fonts/default_font.h>
 #include <common_utils_ui/keyboard/keyboard_init.h>
+#include <common_utils_ui/translate/i_translation_installer.h>
 #include <common_utils_ui/watchdog/application_watchdog.h>
 #include <diagnostics/check.h>
 #include <diagnostics/log.h>
 #include <diagnostics/process_exception.h>
 #include <diagnostics/result_code.h>
+#include <settings_manager/creators.h>
 
 #include <fmt/format.h>
 
@@ -76,8 +78,10 @@ int main(int argc, char** argv) {
         // 10. resources
         access_arbiter::AccessArbiter::InitResources();
 
-        // 11. application object: organisation data and palette
-        access_arbiter::AccessArbiter application;
+        // 11. application object: settings connection, organisation data, translation, palette
+        access_arbiter::AccessArbiter application(
+            vdi::common_utils::settings::CreateSettingsManagerNonPersistent,
+            [] { return vdi::common_utils_ui::translate::CreateTranslationInstaller(); });
 
         // 12. QML engine
         QQmlApplicationEngine engine(nullptr);

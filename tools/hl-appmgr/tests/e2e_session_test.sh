@@ -3,20 +3,23 @@
 # hl-ask asks, real X clicks (xdotool) on Approve and then on Decline give exit codes 0 and 1, and
 # SIGTERM to hl-appmgr ends the program with a normal stop and the manager cleanly. The manager's log
 # of the whole run then holds exactly GetUpdateHandle, ReadyToInitialize, ReadyToShowUI, Pings and
-# StateChanged(-2) from the program, in that order, with Pings never closer than 1000 ms.
-#   e2e_session_test.sh HL_APPMGR ACCESS_ARBITER HL_ASK
+# StateChanged(-2) from the program, in that order, with Pings never closer than 1000 ms. SETTINGS
+# serves the non-persistent settings the program reads its language from.
+#   e2e_session_test.sh HL_APPMGR ACCESS_ARBITER HL_ASK SETTINGS
 set -uo pipefail
 APPMGR=$1
 PROGRAM=$2
 ASK=$3
+SETTINGS=$4
 WORK=$(mktemp -d)
 export HL_RUNTIME_DIR="$WORK/rt"
 export QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software
-XVFB="" MANAGER=""
+XVFB="" MANAGER="" SETTINGSD=""
 fail() { echo "FAIL: $*" >&2; cat "$WORK/log" >&2 2>/dev/null; exit 1; }
 cleanup() {
   [ -n "$MANAGER" ] && kill "$MANAGER" 2>/dev/null
   [ -n "$XVFB" ] && kill "$XVFB" 2>/dev/null
+  [ -n "$SETTINGSD" ] && kill "$SETTINGSD" 2>/dev/null
   wait 2>/dev/null; rm -rf "$WORK"
 }
 trap cleanup EXIT
@@ -26,6 +29,9 @@ XVFB=$!
 for _ in $(seq 100); do [ -s "$WORK/display" ] && break; sleep 0.1; done
 [ -s "$WORK/display" ] || fail "Xvfb did not start"
 export DISPLAY=":$(head -1 "$WORK/display")"
+
+"$SETTINGS" hl.settings_manager.MSmgr > /dev/null &
+SETTINGSD=$!
 
 "$APPMGR" run --name AccessArbiter -- "$PROGRAM" 2> "$WORK/log" &
 MANAGER=$!

@@ -1,8 +1,10 @@
 // Starts the real access_arbiter executable beside the test application manager (a process of its own
 // serving the manager's interfaces), each test in a runtime directory of its own, and reads what the
-// program writes to its standard error and what the manager hears.
+// program writes to its standard error and what the manager hears. A settings service runs beside them
+// under the non-persistent service's name, as in a session.
 
 #include "support/manager_process.h"
+#include "support/peer_process.h"
 #include "support/scoped_runtime_directory.h"
 
 #include <gtest/gtest.h>
@@ -116,6 +118,12 @@ std::size_t Count(const std::string& text, const std::string& what) {
 
 class ProcessStart : public testing::Test {
 protected:
+    void SetUp() override {
+        m_settings = hos::platform::testing::PeerProcess::Start(
+            {HL_SETTINGS_TEST_SERVER, "hl.settings_manager.MSmgr"});
+        ASSERT_NE(m_settings, nullptr) << "the settings service didn't come up";
+    }
+
     void StartManager(std::vector<std::string> options = {}) {
         std::vector<std::string> arguments{HL_APP_MANAGER_TEST_MANAGER, kManagerServer};
         arguments.insert(arguments.end(), options.begin(), options.end());
@@ -145,6 +153,7 @@ protected:
     }
 
     hos::platform::testing::ScopedRuntimeDirectory m_directory;
+    std::unique_ptr<hos::platform::testing::PeerProcess> m_settings;
     std::unique_ptr<ManagerProcess> m_manager;
 };
 

@@ -1,12 +1,15 @@
 // The real program on a real X server: a client asks for a decision through the published service,
 // the test reads what the shown window says (its pixels against the reference image of the
 // default language, "ru-RU": an untranslated key or another text would not match) and clicks it with real X
-// input events, then checks the byte received.
+// input events, then checks the byte received. A settings service without the language setting runs
+// beside it under the non-persistent service's name, so the default language is shown.
 #include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
 #include <platform/platform.h>
+
+#include "support/peer_process.h"
 
 #include <gtest/gtest.h>
 
@@ -35,6 +38,11 @@ using namespace std::chrono_literals;
 using Interface = hosipc::idl::stdcpp_v1::hl::access_arbiter::AccessArbiter;
 
 constexpr const char* kServiceType = "hl.access_arbiter.AccessArbiter.accessArbiter";
+
+// The settings service the program reads its language from, with nothing set.
+std::unique_ptr<hos::platform::testing::PeerProcess> StartSettings() {
+    return hos::platform::testing::PeerProcess::Start({HL_SETTINGS_TEST_SERVER, "hl.settings_manager.MSmgr"});
+}
 std::string Shell(const std::string& command) {
     std::string output;
     if (FILE* pipe = popen(command.c_str(), "r")) {
@@ -78,6 +86,8 @@ protected:
         m_runtimeDir = pattern;
         setenv("HL_RUNTIME_DIR", m_runtimeDir.c_str(), 1);
         setenv("QT_QPA_PLATFORM", "xcb", 1);
+        m_settings = StartSettings();
+        ASSERT_NE(m_settings, nullptr) << "the settings service didn't come up";
         // As in a session: the application manager starts the program and is its parent.
         char* argv[] = {const_cast<char*>("hl-appmgr"),
                         const_cast<char*>("run"),
@@ -143,6 +153,7 @@ protected:
     }
 
     std::string m_runtimeDir;
+    std::unique_ptr<hos::platform::testing::PeerProcess> m_settings;
     std::string m_server;
     std::string m_service;
     pid_t m_pid = -1;
@@ -195,6 +206,8 @@ TEST(ProgramStartTest, AHeldServerNameFailsTheStartWithTheDispatcherText) {
     const std::string runtimeDir = pattern;
     setenv("HL_RUNTIME_DIR", runtimeDir.c_str(), 1);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const auto settings = StartSettings();
+    ASSERT_NE(settings, nullptr) << "the settings service didn't come up";
     unsigned int id = 0;
     const unsigned int held = ServiceLocatorRegister("accessArbiter_id", nullptr, 0, &id);
     ASSERT_NE(held, NK_INVALID_HANDLE);
