@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# A hosted session: installs what is needed, builds, and runs AccessArbiter under hl-appmgr, the
-# hosted application manager. Once the program reports ReadyToShowUI, hl-ask asks for a decision:
+# A hosted session: installs what is needed, builds, starts hl-settingsd for the non-persistent
+# settings (the program's language) and runs AccessArbiter under hl-appmgr, the hosted application
+# manager. Once the program reports ReadyToShowUI, hl-ask asks for a decision:
 # the dialog appears on the display and the answer ("approved" or "declined") is printed.
 #
 # Without a display the same session runs under Xvfb: the dialog as shown is saved to
@@ -15,7 +16,7 @@ cd "$(dirname "$0")/.."
 bash scripts/setup.sh
 cmake --preset default >/dev/null
 cmake --build --preset default -j "$(nproc)" --target access_arbiter access_arbiter_preview hl-ipc hl-appmgr hl-ask \
-  hl_settings_manager_test_server
+  hl-settingsd
 
 BIN=build/default
 SESSION=$(mktemp -d "${TMPDIR:-/tmp}/hl-session.XXXXXX")
@@ -45,9 +46,15 @@ if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
   export QT_QPA_PLATFORM=xcb
 fi
 
-# The non-persistent settings service the program reads its language from.
-"$BIN/src/settings_manager/hl_settings_manager_test_server" hl.settings_manager.MSmgr > /dev/null &
+# The non-persistent settings service, from its defaults file; the program reads its language there.
+"$BIN/tools/hl-settingsd/hl-settingsd" hl.settings_manager.MSmgr > "$SESSION/settingsd.out" &
 SETTINGSD=$!
+for _ in $(seq 100); do
+  grep -q '^ready$' "$SESSION/settingsd.out" 2>/dev/null && break
+  kill -0 "$SETTINGSD" 2>/dev/null || { echo "run: hl-settingsd ended" >&2; exit 3; }
+  sleep 0.1
+done
+grep -q '^ready$' "$SESSION/settingsd.out" || { echo "run: hl-settingsd did not start" >&2; exit 3; }
 
 "$BIN/tools/hl-appmgr/hl-appmgr" run --name AccessArbiter -- "$PWD/$BIN/src/access_arbiter/access_arbiter" "$@" \
   2> >(tee "$SESSION/appmgr.log" >&2) &

@@ -30,7 +30,7 @@ for _ in $(seq 100); do [ -s "$WORK/display" ] && break; sleep 0.1; done
 [ -s "$WORK/display" ] || fail "Xvfb did not start"
 export DISPLAY=":$(head -1 "$WORK/display")"
 
-"$SETTINGS" hl.settings_manager.MSmgr > /dev/null &
+"$SETTINGS" hl.settings_manager.MSmgr > /dev/null 2>&1 &
 SETTINGSD=$!
 
 "$APPMGR" run --name AccessArbiter -- "$PROGRAM" 2> "$WORK/log" &
