@@ -42,3 +42,33 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     add_dependencies(hl_access_arbiter_shown_window_tests access_arbiter hl-appmgr hl_settings_manager_test_server)
   endif()
 endif()
+
+# Whole sessions of the real executables (hl-appmgr, access_arbiter, hl-ask) on an X server the tests
+# start themselves (Xvfb), clicked with xdotool. The callers' tests meet the dispatcher thread and the
+# Qt main thread from several processes at once, hence their concurrency label.
+if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt"
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-ask/CMakeLists.txt")
+  set(_aa_e2e "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e")
+  hl_add_test(hl_access_arbiter_callers_e2e_tests
+    SOURCES "${_aa_e2e}/decision_callers_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
+    LABELS e2e concurrency
+    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
+    TIMEOUT 300)
+  hl_add_test(hl_access_arbiter_session_faults_e2e_tests
+    SOURCES "${_aa_e2e}/session_faults_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
+            "${CMAKE_SOURCE_DIR}/src/platform/tests/support/raw_socket.cpp"
+    LABELS e2e
+    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
+    TIMEOUT 300)
+  foreach(_aa_target hl_access_arbiter_callers_e2e_tests hl_access_arbiter_session_faults_e2e_tests)
+    if(TARGET ${_aa_target})
+      target_include_directories(${_aa_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
+      target_compile_definitions(${_aa_target} PRIVATE
+        HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
+        HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>"
+        HL_ASK_EXECUTABLE="$<TARGET_FILE:hl-ask>")
+      add_dependencies(${_aa_target} access_arbiter hl-appmgr hl-ask)
+    endif()
+  endforeach()
+endif()

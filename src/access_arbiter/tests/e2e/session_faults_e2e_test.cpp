@@ -1,0 +1,180 @@
+// Faults met by the real AccessArbiter under hl-appmgr, on an X server of the test's own: malformed and
+// misdirected requests sent to its decision service by a raw client below the platform, the manager
+// dying under it, and a stop while a decision is still being asked for.
+#include "support/hosted_session.h"
+#include "support/raw_socket.h"
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace access_arbiter::e2e {
+namespace {
+
+using namespace std::chrono_literals;
+using hos::platform::testing::RawSocket;
+
+constexpr std::uint16_t kRequest = 1;
+constexpr std::uint16_t kResponse = 2;
+constexpr std::uint16_t kRefused = 5;
+
+// A Request frame of `size` bytes (header and fields, no arena) for interface `iid`, method `mid`.
+std::vector<unsigned char> RequestFrame(std::uint16_t iid, std::uint16_t mid, std::uint32_t size,
+                                        std::uint32_t sequence) {
+    std::vector<unsigned char> frame(size, 0);
+    const std::uint16_t version = 1;
+    std::memcpy(&frame[0], &iid, 2);
+    std::memcpy(&frame[2], &mid, 2);
+    std::memcpy(&frame[4], &size, 4);
+    std::memcpy(&frame[8], &kRequest, 2);
+    std::memcpy(&frame[10], &version, 2);
+    std::memcpy(&frame[16], &sequence, 4);
+    return frame;
+}
+
+template <typename T>
+T At(const std::vector<unsigned char>& frame, std::size_t offset) {
+    T value{};
+    if (frame.size() >= offset + sizeof(T)) {
+        std::memcpy(&value, &frame[offset], sizeof(T));
+    }
+    return value;
+}
+
+class SessionFaults : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(HostedSession::StartDisplay()) << "Xvfb did not start"; }
+
+    std::string Socket() const { return m_session.Directory() + "/rt/servers/accessArbiter_id"; }
+
+    // Nothing is shown for a while after a request that must not show the dialog.
+    void ExpectNoDialog() {
+        std::this_thread::sleep_for(500ms);
+        EXPECT_TRUE(m_session.ShownWindows().empty()) << "the dialog was shown";
+    }
+
+    // One request answered by a click at `x`; the caller's exit status.
+    std::optional<int> AskAndClick(int x) {
+        auto caller = m_session.Ask();
+        const std::string window = m_session.WaitShown(60s);
+        EXPECT_FALSE(window.empty()) << m_session.Log();
+        m_session.Click(window, x, 110);
+        const auto status = caller->Wait(30s);
+        EXPECT_TRUE(m_session.WaitHidden(10s));
+        return status;
+    }
+
+    HostedSession m_session;
+};
+
+TEST_F(SessionFaults,
+       BadRequestsGetTheLoopsExactAnswersWithALogLineAndNoDialogUntilAnUnknownInterfaceEndsIt) {
+    ASSERT_TRUE(m_session.Start()) << m_session.Log();
+    RawSocket client(Socket());
+    ASSERT_TRUE(client.IsConnected());
+    const struct {
+        const char* what;
+        std::vector<unsigned char> frame;
+        std::uint32_t refusal;
+        const char* logLine;
+    } refused[] = {
+        // Before any answer the response buffer is a zero header, which cannot go out as a reply.
+        {"another mid", RequestFrame(1, 7, 24, 1), 0x90000002,
+         "size word gives 0 bytes, less than the header"},
+        {"a short frame", std::vector<unsigned char>(10, 1), 0x90000016, "shorter than the 24-byte header"},
+        {"an oversized frame", RequestFrame(1, 0, 124, 3), 0x90000018, "exceeds the room of 24 bytes"},
+    };
+    for (const auto& c : refused) {
+        SCOPED_TRACE(c.what);
+        ASSERT_TRUE(client.Send(c.frame));
+        const auto answer = client.Receive(10s);
+        ASSERT_TRUE(answer.has_value());
+        EXPECT_EQ(At<std::uint16_t>(*answer, 8), kRefused);
+        EXPECT_EQ(At<std::uint32_t>(*answer, 20), c.refusal);
+        EXPECT_TRUE(m_session.WaitForLog(c.logLine, 10s));
+        ExpectNoDialog();
+    }
+
+    // The loop went on: a caller is served, and its answer stays in the response buffer.
+    EXPECT_EQ(AskAndClick(234), 0);
+
+    // Another mid gets that stale answer back, iid 1, mid 0 and the byte 1, without a dialog; an
+    // unknown interface gets the same and ends the loop for good.
+    for (const std::uint16_t iid : {1, 2}) {
+        SCOPED_TRACE(iid);
+        ASSERT_TRUE(client.Send(RequestFrame(iid, iid == 1 ? 7 : 0, 24, 10 + iid)));
+        const auto answer = client.Receive(10s);
+        ASSERT_TRUE(answer.has_value());
+        EXPECT_EQ(At<std::uint16_t>(*answer, 8), kResponse);
+        EXPECT_EQ(At<std::uint16_t>(*answer, 0), 1);
+        EXPECT_EQ(At<std::uint16_t>(*answer, 2), 0);
+        EXPECT_EQ(At<std::uint32_t>(*answer, 16), 10U + iid);
+        EXPECT_EQ(At<std::uint8_t>(*answer, 24), 1);
+        ExpectNoDialog();
+    }
+    // Nothing is received any more: a caller waits until it gives up, and nothing is shown. The
+    // program itself goes on, pinging its manager.
+    const std::size_t pings = m_session.CountInLog("]: Ping");
+    auto late = m_session.Ask({"--timeout", "2000"});
+    EXPECT_EQ(late->Wait(30s), 2);
+    EXPECT_NE(late->Output().find("timed out after 2000 ms"), std::string::npos) << late->Output();
+    EXPECT_TRUE(m_session.ShownWindows().empty());
+    EXPECT_TRUE(m_session.WaitForLog("]: Ping", 5s, pings + 2));
+    EXPECT_EQ(kill(m_session.ProgramPid(), 0), 0);
+}
+
+TEST_F(SessionFaults, AManagerThatDiesTakesTheProgramDownAtItsNextPingAndARestartedManagerBringsItBack) {
+    ASSERT_TRUE(m_session.Start()) << m_session.Log();
+    const pid_t program = m_session.ProgramPid();
+    m_session.Manager().Signal(SIGKILL);
+    ASSERT_EQ(m_session.Manager().Wait(10s), 128 + SIGKILL);
+
+    // The program is nobody's child now: it is gone once its pid is free or a zombie.
+    auto gone = [program] {
+        std::ifstream stat("/proc/" + std::to_string(program) + "/stat");
+        std::string pid, name, state;
+        return !(stat >> pid >> name >> state) || state == "Z";
+    };
+    for (int attempt = 0; attempt < 100 && !gone(); ++attempt) {
+        std::this_thread::sleep_for(50ms);
+    }
+    EXPECT_TRUE(gone()) << "the program outlived its manager by 5 s";
+    EXPECT_TRUE(m_session.WaitForLog("hl_app_manager_ApplicationWatchdog_Ping transport error", 5s))
+        << m_session.Log();
+
+    ASSERT_TRUE(m_session.Start()) << m_session.Log();
+    EXPECT_NE(m_session.ProgramPid(), program);
+    EXPECT_EQ(AskAndClick(234), 0);
+}
+
+TEST_F(SessionFaults, AStopWhileADecisionIsAskedForEndsTheProgramWithSigkillAfterTheUnitsStopTimeout) {
+    ASSERT_TRUE(m_session.Start("restart=no\nstop_timeout_ms=1500\n")) << m_session.Log();
+    const std::string pid = std::to_string(m_session.ProgramPid());
+    auto caller = m_session.Ask();
+    ASSERT_FALSE(m_session.WaitShown(60s).empty()) << m_session.Log();
+
+    const auto stopped = std::chrono::steady_clock::now();
+    m_session.Manager().Signal(SIGTERM);
+    EXPECT_EQ(m_session.Manager().Wait(30s), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - stopped, 1500ms);
+    // The event loop ends and the manager hears of it; the teardown then waits for the decision.
+    for (const std::string& line :
+         {std::string("AccessArbiter stopped with code 0"), "AccessArbiter[" + pid + "]: StateChanged(-2)",
+          "AccessArbiter[" + pid + "]: did not end within 1500 ms of SIGTERM; sending SIGKILL",
+          "AccessArbiter[" + pid + "]: killed by signal 9 (stopped)"}) {
+        EXPECT_EQ(m_session.CountInLog(line), 1U) << line << "\n" << m_session.Log();
+    }
+    EXPECT_EQ(caller->Wait(10s), 2);
+    EXPECT_NE(caller->Output().find("peer gone"), std::string::npos) << caller->Output();
+}
+
+}  // namespace
+}  // namespace access_arbiter::e2e
