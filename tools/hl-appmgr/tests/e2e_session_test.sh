@@ -97,17 +97,20 @@ assert pings >= 5, names
 assert names == ["GetUpdateHandle", "ReadyToInitialize", "ReadyToShowUI"] + ["Ping"] * pings + ["StateChanged(-2)"], names
 times = [at for at, name in calls if name == "Ping"]
 gaps = [(b - a).total_seconds() * 1000 for a, b in zip(times, times[1:])]
-# The program pings at most once per 1000 ms. The manager stamps a Ping when it arrives, so each
-# stamp carries a delivery delay across two processes: on a quiet machine spacing was 999.5 to
-# 1000.4 ms, hence 1 ms of tolerance. Under load one Ping can arrive a few ms late (gaps of 1005.4
-# then 994.6 were seen), which shortens the next gap without any Ping being sent early. So each Ping
-# is held to the schedule of every earlier one: Ping k must come no earlier than (k - j) * 1000 ms
-# after Ping j, less 1 ms, for some earlier j. A second Ping in one tick, or a timer that fires
-# early, falls behind every earlier schedule and fails; a late delivery does not. A gap over
-# 1500 ms would be a missing Ping.
-offsets = [(at - times[0]).total_seconds() * 1000 - 1000 * k for k, at in enumerate(times)]
+# The program pings at most once per 1000 ms, on its Qt timer's schedule. The manager stamps a Ping
+# when it arrives, so each stamp carries a delivery delay across two processes: on a quiet machine the
+# spacing was 999.5 to 1000.4 ms, but under load single Pings arrive late (gaps of 1005.4 then 994.6,
+# and once 1035 then 995.6, were seen; under the sanitizers consecutive Pings differ by over 1 ms),
+# which shortens the next gap although nothing was sent early. So each Ping is held to the schedule
+# of every earlier one: Ping k must come no earlier than (k - j) * 1000 ms after Ping j, less 5 ms of
+# delivery jitter, for some earlier j. A second Ping in one tick, or a timer that runs fast, falls
+# behind every earlier schedule and fails; a late delivery does not. The first Ping is left out of the
+# schedule: it comes when the event loop begins, which may be later than the timer's first tick,
+# and the timer then keeps its own schedule (a first gap below 1000 ms after a slow start). A gap
+# over 1500 ms would be a missing Ping.
+offsets = [(at - times[1]).total_seconds() * 1000 - 1000 * k for k, at in enumerate(times[1:])]
 for k in range(1, len(offsets)):
-    assert offsets[k] >= min(offsets[:k]) - 1.0, ("Ping %d came early" % k, gaps)
+    assert offsets[k] >= min(offsets[:k]) - 5.0, ("Ping %d came early" % (k + 1), gaps)
 assert max(gaps) <= 1500.0, gaps
 print("lifecycle: %d calls, %d pings, spacing %.1f to %.1f ms" % (len(names), pings, min(gaps), max(gaps)))
 PY
