@@ -43,12 +43,13 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
   endif()
 endif()
 
-# Whole sessions of the real executables (hl-appmgr, access_arbiter, hl-ask) on an X server the tests
+# Whole sessions of the real executables (hl-settingsd, hl-appmgr, access_arbiter, hl-ask) on an X server the tests
 # start themselves (Xvfb), clicked with xdotool. The callers' tests meet the dispatcher thread and the
 # Qt main thread from several processes at once, hence their concurrency label.
 if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
    AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt"
-   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-ask/CMakeLists.txt")
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-ask/CMakeLists.txt"
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-settingsd/CMakeLists.txt")
   set(_aa_e2e "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e")
   hl_add_test(hl_access_arbiter_callers_e2e_tests
     SOURCES "${_aa_e2e}/decision_callers_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
@@ -67,8 +68,9 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
       target_compile_definitions(${_aa_target} PRIVATE
         HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
         HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>"
-        HL_ASK_EXECUTABLE="$<TARGET_FILE:hl-ask>")
-      add_dependencies(${_aa_target} access_arbiter hl-appmgr hl-ask)
+        HL_ASK_EXECUTABLE="$<TARGET_FILE:hl-ask>"
+        HL_SETTINGSD_EXECUTABLE="$<TARGET_FILE:hl-settingsd>")
+      add_dependencies(${_aa_target} access_arbiter hl-appmgr hl-ask hl-settingsd)
     endif()
   endforeach()
 endif()

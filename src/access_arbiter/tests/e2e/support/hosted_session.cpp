@@ -157,12 +157,25 @@ HostedSession::~HostedSession() {
         m_manager->Wait(20s);
     }
     m_manager.reset();
+    m_settings.reset();
     if (!m_directory.empty()) {
         std::filesystem::remove_all(m_directory);
     }
 }
 
 bool HostedSession::Start(const std::string& unitLines) {
+    if (!m_settings) {
+        m_settings = std::make_unique<ChildProcess>(
+            std::vector<std::string>{HL_SETTINGSD_EXECUTABLE, "hl.settings_manager.MSmgr"},
+            m_directory + "/settingsd");
+        const auto deadline = Clock::now() + 60s;
+        while (m_settings->Output().find("ready\n") == std::string::npos) {
+            if (Clock::now() >= deadline || !m_settings->Running()) {
+                return false;
+            }
+            std::this_thread::sleep_for(50ms);
+        }
+    }
     const std::string unit = m_directory + "/AccessArbiter.unit";
     std::ofstream(unit) << "name=AccessArbiter\nprogram=" HL_ACCESS_ARBITER_EXECUTABLE "\n" << unitLines;
     const std::size_t readyBefore = CountInLog("]: ReadyToShowUI");

@@ -1,6 +1,7 @@
 // A hosted session for the end-to-end tests, made of the real executables: an X server of its own
-// (Xvfb, one per test process), a runtime directory of its own, and hl-appmgr running AccessArbiter
-// as a person's session would, with both writing to one log file. Helpers start hl-ask, look at the
+// (Xvfb, one per test process), a runtime directory of its own, hl-settingsd serving the
+// non-persistent settings, and hl-appmgr running AccessArbiter as a person's session would, with both
+// writing to one log file. Helpers start hl-ask, look at the
 // program's window on the X server and click it with real X input events (xdotool).
 //
 // Thread: the test's thread only. The session owns the manager's process: its destructor stops it
@@ -50,7 +51,8 @@ public:
 
     // hl-appmgr run --unit FILE, the unit being AccessArbiter's program and name followed by
     // `unitLines` ("key=value" lines); the manager and the program append to the log. Waits for the
-    // program's ReadyToShowUI. Called again once the manager has gone, it starts another.
+    // program's ReadyToShowUI. The first call starts hl-settingsd first. Called again once the manager
+    // has gone, it starts another.
     bool Start(const std::string& unitLines = "restart=no\n");
     ChildProcess& Manager() { return *m_manager; }
 
@@ -75,6 +77,7 @@ public:
 
 private:
     std::string m_directory;
+    std::unique_ptr<ChildProcess> m_settings;
     std::unique_ptr<ChildProcess> m_manager;
     int m_asks = 0;
 };
