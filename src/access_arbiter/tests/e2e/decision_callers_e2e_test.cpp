@@ -27,6 +27,14 @@ protected:
         m_program = m_session.ProgramPid();
     }
 
+    // After all this the program still stops normally; under the sanitizers this is where their
+    // reports from the program show.
+    void TearDown() override {
+        if (m_program > 0 && !HasFatalFailure()) {
+            EXPECT_TRUE(m_session.Stop()) << m_session.Log();
+        }
+    }
+
     // While `period` passes, the dialog is never up twice (sampled on the X server).
     void ExpectAtMostOneShownWindowFor(std::chrono::milliseconds period) {
         const auto end = std::chrono::steady_clock::now() + period;

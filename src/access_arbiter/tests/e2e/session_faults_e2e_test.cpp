@@ -128,7 +128,7 @@ TEST_F(SessionFaults,
     EXPECT_NE(late->Output().find("timed out after 2000 ms"), std::string::npos) << late->Output();
     EXPECT_TRUE(m_session.ShownWindows().empty());
     EXPECT_TRUE(m_session.WaitForLog("]: Ping", 5s, pings + 2));
-    EXPECT_EQ(kill(m_session.ProgramPid(), 0), 0);
+    EXPECT_TRUE(m_session.Stop()) << "the program did not stop normally:\n" << m_session.Log();
 }
 
 TEST_F(SessionFaults, AManagerThatDiesTakesTheProgramDownAtItsNextPingAndARestartedManagerBringsItBack) {

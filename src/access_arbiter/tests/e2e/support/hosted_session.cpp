@@ -185,6 +185,13 @@ bool HostedSession::Start(const std::string& unitLines) {
     return WaitForLog("]: ReadyToShowUI", 120s, readyBefore + 1);
 }
 
+bool HostedSession::Stop() {
+    const std::string ended =
+        "AccessArbiter[" + std::to_string(ProgramPid()) + "]: exited with status 0 (stopped)";
+    m_manager->Signal(SIGTERM);
+    return m_manager->Wait(30s) == 0 && CountInLog(ended) == 1;
+}
+
 std::string HostedSession::Log() const {
     std::ifstream in(m_directory + "/session.log");
     std::stringstream text;

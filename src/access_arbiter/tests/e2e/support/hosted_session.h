@@ -55,6 +55,9 @@ public:
     // has gone, it starts another.
     bool Start(const std::string& unitLines = "restart=no\n");
     ChildProcess& Manager() { return *m_manager; }
+    // Stops the manager with SIGTERM and waits for it; true when it ended with 0 and its application
+    // exited with status 0, as a normal stop does (a sanitizer's report in the program changes that).
+    bool Stop();
 
     const std::string& Directory() const { return m_directory; }
     std::string Log() const;
