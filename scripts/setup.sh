@@ -17,7 +17,7 @@ PACKAGES=(
   libfmt-dev libxkbcommon-dev libwayland-dev libgtest-dev libgmock-dev libbenchmark-dev
   # hl-appmgr reports to systemd (sd_notify)
   libsystemd-dev
-  # hl-settingsd: persistent stores in SQLite, the defaults file in JSON
+  # hl-settingsd: persistent stores in SQLite, the defaults file in JSON (JSON of hl-settings too)
   libsqlite3-dev nlohmann-json3-dev
   # runtime of the hosted platform: fonts, X server for real-window tests, image tools
   fontconfig fonts-dejavu-core xvfb xauth librsvg2-bin

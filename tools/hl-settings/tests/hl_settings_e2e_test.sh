@@ -1,0 +1,111 @@
+#!/usr/bin/env bash
+# hl-settings against a settings service in a process of its own, over the hosted platform: round
+# trips of several types, delete, tree --json of a nested tree, monitor seeing another process's
+# write, and the exit codes.
+# Usage: hl_settings_e2e_test.sh HL_SETTINGS SERVICE_PROGRAM [SERVICE_ARGS...]
+#   The service program is started as: SERVICE_PROGRAM SERVICE_ARGS... (the arguments name the
+#   service hl.settings_manager.MSmgr); it must print a line with "ready" once it serves.
+set -uo pipefail
+tool=$1; shift
+base=${HL_RUNTIME_DIR:-/tmp}
+mkdir -p "$base"
+export HL_RUNTIME_DIR=$(mktemp -d "$base/hl-settings-XXXXXX")
+export XDG_STATE_HOME=$HL_RUNTIME_DIR/state
+failures=0
+fail() { echo "FAILED: $*"; failures=$((failures + 1)); }
+expect() { # description, expected exit code, command...; output in $out, standard error in $err
+    local what=$1 code=$2; shift 2
+    out=$("$@" 2>"$HL_RUNTIME_DIR/err"); local got=$?
+    err=$(cat "$HL_RUNTIME_DIR/err")
+    [ $got -eq "$code" ] || fail "$what exits $got, not $code (stderr: $err)"
+}
+is() { [ "$out" = "$1" ] || fail "expected '$1', got '$out'"; }
+says() { grep -q -- "$1" <<<"$err" || fail "no '$1' in stderr: $err"; }
+
+pids=()
+trap 'for p in "${pids[@]}"; do kill -9 "$p" 2>/dev/null; done; rm -rf "$HL_RUNTIME_DIR"' EXIT
+
+# Without a service: the tool says so and exits 3 (and doesn't wait minutes).
+expect "get without a service" 3 "$tool" --wait 0 get locale/language; says "can't be reached"
+
+"$@" > "$HL_RUNTIME_DIR/service.out" 2>&1 &
+pids+=($!)
+for _ in $(seq 200); do grep -q ready "$HL_RUNTIME_DIR/service.out" && break; sleep 0.05; done
+
+# Round trips: what set writes, get prints in the same form.
+while read -r type value; do
+    expect "set $type" 0 "$tool" set "rt/$type" "$value" --type "$type"
+    expect "get $type" 0 "$tool" get "rt/$type"; is "$value"
+done <<'TABLE'
+bool true
+i8 -128
+i32 -2147483648
+u16 65535
+i64 -9223372036854775808
+u64 18446744073709551615
+double 0.1
+bytes 00 01 fe ff
+timestamp 1700000000123
+TABLE
+expect "set without --type" 0 "$tool" set rt/text "ru RU, кириллица"
+expect "get string" 0 "$tool" get rt/text; is "ru RU, кириллица"
+expect "get --json of an i8" 0 "$tool" get rt/i8 --json
+python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert d == {"path": "rt/i8/", "type": "i8", "flag": False, "value": -128}, d' "$out" ||
+    fail "get --json: $out"
+expect "overwrite with another type" 0 "$tool" set rt/i8 7 --type u32
+expect "get the new type" 0 "$tool" get rt/i8 --json
+python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert (d["type"], d["value"]) == ("u32", 7), d' "$out" ||
+    fail "overwrite: $out"
+
+# Delete, then the path is gone: exit 1, and the same for a delete of it.
+expect "delete" 0 "$tool" delete rt/bool
+expect "get after delete" 1 "$tool" get rt/bool; says "not found"
+expect "delete twice" 1 "$tool" delete rt/bool
+
+# A nested tree written whole, read back whole.
+expect "set a tree" 0 "$tool" set cfg '{"net": {"hosts": ["a", "b"], "port": 8080}, "on": true, "ratio": 0.5}' --type json
+expect "tree --json" 0 "$tool" tree cfg --json
+python3 -c '
+import json, sys
+d = json.loads(sys.argv[1])
+assert d["path"] == "cfg/" and d["type"] == "map", d
+v = d["value"]
+assert sorted(v) == ["net", "on", "ratio"], v
+hosts = v["net"]["value"]["hosts"]
+assert hosts["type"] == "list" and [h["value"] for h in hosts["value"]] == ["a", "b"], hosts
+assert v["net"]["value"]["port"] == {"type": "i64", "flag": False, "value": 8080}, v["net"]
+assert (v["on"]["type"], v["on"]["value"]) == ("bool", True)
+assert (v["ratio"]["type"], v["ratio"]["value"]) == ("double", 0.5)
+' "$out" || fail "tree --json gave: $out"
+expect "tree" 0 "$tool" tree cfg
+grep -Eq '^cfg/net/hosts/1/ +string +"b"$' <<<"$out" || fail "tree text: $out"
+
+# monitor prints a change that another hl-settings process makes, and ends cleanly on SIGINT.
+"$tool" monitor mon > "$HL_RUNTIME_DIR/monitor.out" 2> "$HL_RUNTIME_DIR/monitor.err" &
+monitor=$!
+pids+=($monitor)
+for _ in $(seq 100); do grep -q monitoring "$HL_RUNTIME_DIR/monitor.err" && break; sleep 0.05; done
+expect "set under the monitored path" 0 "$tool" set mon/level 3 --type u8
+for _ in $(seq 120); do grep -q 'mon/' "$HL_RUNTIME_DIR/monitor.out" && break; sleep 0.05; done
+grep -q 'mon/.*upd' "$HL_RUNTIME_DIR/monitor.out" || fail "monitor printed: $(cat "$HL_RUNTIME_DIR/monitor.out")"
+kill -INT $monitor
+for _ in $(seq 100); do kill -0 $monitor 2>/dev/null || break; sleep 0.05; done
+if kill -0 $monitor 2>/dev/null; then
+    fail "monitor still runs 5 s after SIGINT"
+else
+    wait $monitor; code=$?
+    [ $code -eq 0 ] || fail "monitor exits $code after SIGINT: $(cat "$HL_RUNTIME_DIR/monitor.err")"
+fi
+
+# Usage errors, found before any service is asked.
+expect "no command" 2 "$tool"
+expect "unknown command" 2 "$tool" frob x
+expect "bad path" 2 "$tool" get a_b; says "no settings path"
+expect "unknown type" 2 "$tool" set x 1 --type int
+expect "value out of range" 2 "$tool" set x 256 --type u8; says "out of range"
+expect "missing value" 2 "$tool" set x
+expect "unknown option" 2 "$tool" get x --jsn
+expect "--help" 0 "$tool" --help; grep -q "Exit codes" <<<"$out" || fail "--help: $out"
+
+echo "$failures failed"
+test $failures -eq 0
