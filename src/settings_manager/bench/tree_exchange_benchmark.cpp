@@ -6,9 +6,10 @@
 //
 //   hl_settings_tree_exchange_benchmark [--benchmark_repetitions=N] [other Google Benchmark flags]
 //
-// The service program is the one the build names (HL_SETTINGS_BENCH_SERVICE, started with the
-// service name as its one argument). Every iteration is timed; after Google Benchmark's report the
-// program prints the median and 95th percentile of each case, with nodes and bytes per second.
+// The service program is the one the build names (HL_SETTINGS_BENCH_SERVICE: hl-settingsd, or the
+// client's test service in a build without tools), started with the service name as its one
+// argument in a runtime directory of the benchmark's own. Every iteration is timed; after Google Benchmark's
+// report the program prints the median and 95th percentile of each case, with nodes and bytes per second.
 #include <settings_manager/i_settings_getter.h>
 #include <settings_manager/i_settings_value_setter.h>
 #include <settings_manager/ipc/create_settings_manager.h>
@@ -45,7 +46,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using settings_manager::Setting;
 
-constexpr const char* kService = "hl.settings_manager.BenchMSmgr";
+constexpr const char* kService = "hl.settings_manager.MSmgr";
 constexpr std::size_t kGroups = 99;
 constexpr std::size_t kLeavesPerGroup = 100;
 constexpr std::size_t kNodes = 1 + kGroups + kGroups * kLeavesPerGroup;  // root, groups, leaves

@@ -32,6 +32,9 @@ expect "get without a service" 3 "$tool" --wait 0 get locale/language; says "can
 pids+=($!)
 for _ in $(seq 200); do grep -q ready "$HL_RUNTIME_DIR/service.out" && break; sleep 0.05; done
 
+# A fresh non-persistent service holds its defaults.
+expect "get a default" 0 "$tool" get locale/language; is "en-US"
+
 # Round trips: what set writes, get prints in the same form.
 while read -r type value; do
     expect "set $type" 0 "$tool" set "rt/$type" "$value" --type "$type"
@@ -79,6 +82,10 @@ assert (v["ratio"]["type"], v["ratio"]["value"]) == ("double", 0.5)
 ' "$out" || fail "tree --json gave: $out"
 expect "tree" 0 "$tool" tree cfg
 grep -Eq '^cfg/net/hosts/1/ +string +"b"$' <<<"$out" || fail "tree text: $out"
+expect "get inside the tree" 0 "$tool" get cfg/net/port; is "8080"
+expect "tree of the root" 0 "$tool" tree --json
+python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert {"cfg", "locale", "rt"} <= set(d["value"]), d' "$out" ||
+    fail "tree of the root: $out"
 
 # monitor prints a change that another hl-settings process makes, and ends cleanly on SIGINT.
 "$tool" monitor mon > "$HL_RUNTIME_DIR/monitor.out" 2> "$HL_RUNTIME_DIR/monitor.err" &
@@ -87,7 +94,7 @@ pids+=($monitor)
 for _ in $(seq 100); do grep -q monitoring "$HL_RUNTIME_DIR/monitor.err" && break; sleep 0.05; done
 expect "set under the monitored path" 0 "$tool" set mon/level 3 --type u8
 for _ in $(seq 120); do grep -q 'mon/' "$HL_RUNTIME_DIR/monitor.out" && break; sleep 0.05; done
-grep -q 'mon/.*upd' "$HL_RUNTIME_DIR/monitor.out" || fail "monitor printed: $(cat "$HL_RUNTIME_DIR/monitor.out")"
+grep -Eq '^mon/.*upd [0-9]+ ' "$HL_RUNTIME_DIR/monitor.out" || fail "monitor printed: $(cat "$HL_RUNTIME_DIR/monitor.out")"
 kill -INT $monitor
 for _ in $(seq 100); do kill -0 $monitor 2>/dev/null || break; sleep 0.05; done
 if kill -0 $monitor 2>/dev/null; then
