@@ -13,7 +13,6 @@ ExitCode ExitCodeForResult(std::int32_t result) {
     }
     switch (result) {
         case rc::kNotFound:
-        case rc::kNotMatched:
             return kExitNotFound;
         case rc::kMediaError:  // the client's code for a call that failed on the connection
             return kExitUnreachable;
@@ -27,8 +26,8 @@ int ReportFailure(const std::string& what, const std::string& path, std::int32_t
     const char* meaning = code == kExitNotFound      ? "not found"
                           : code == kExitUnreachable ? "IPC with the service failed"
                                                      : "refused";
-    std::fprintf(stderr, "hl-settings: %s '%s': %s (%s)\n", what.c_str(), path.c_str(), meaning,
-                 hcax::ResultCodeText(result).c_str());
+    std::fprintf(stderr, "hl-settings: %s '%s': %s (%s)\n", what.c_str(), path.empty() ? "/" : path.c_str(),
+                 meaning, hcax::ResultCodeText(result).c_str());
     return code;
 }
 

@@ -2,11 +2,11 @@
 // The exit codes of hl-settings and the mapping of a settings client's result code onto them.
 //
 //   0 success
-//   1 not found: the service has no setting at the path (0x8000004C "Not found", or 0x8000004A, the
-//     path doesn't match the stored tree)
+//   1 not found: the service has no setting at the path (0x8000004C "Not found")
 //   2 usage error: unknown command or option, a path or value that can't be read
 //   3 the service can't be reached, or the IPC exchange with it failed (0x80000059)
-//   4 the service (or the client, before sending) refused the request with another code
+//   4 the service (or the client, before sending) refused the request with another code, such as
+//     0x8000004A for a write through a node that isn't the matching container
 //
 // Pure functions; any thread.
 
@@ -27,7 +27,8 @@ enum ExitCode : int {
 ExitCode ExitCodeForResult(std::int32_t result);
 
 // Writes "hl-settings: <what> '<path>': <code text>" to standard error and returns the exit code of
-// result. what names the operation ("get", "set", ...); path is the path's text form.
+// result. what names the operation ("get", "set", ...); path is the path's text form ("/" is
+// printed for the root's empty text).
 int ReportFailure(const std::string& what, const std::string& path, std::int32_t result);
 
 // Writes "hl-settings: <message>" and a pointer to --help to standard error; returns kExitUsage.

@@ -64,6 +64,8 @@ python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert (d["type"], d[
 expect "delete" 0 "$tool" delete rt/bool
 expect "get after delete" 1 "$tool" get rt/bool; says "not found"
 expect "delete twice" 1 "$tool" delete rt/bool
+expect "set through a scalar" 4 "$tool" set rt/text/below x; says "0x8000004a"
+expect "a path over 512 bytes" 4 "$tool" get "rt/$(printf 'a%.0s' $(seq 520))"; says "0x80000062"
 
 # A nested tree written whole, read back whole.
 expect "set a tree" 0 "$tool" set cfg '{"net": {"hosts": ["a", "b"], "port": 8080}, "on": true, "ratio": 0.5}' --type json
@@ -102,6 +104,20 @@ if kill -0 $monitor 2>/dev/null; then
 else
     wait $monitor; code=$?
     [ $code -eq 0 ] || fail "monitor exits $code after SIGINT: $(cat "$HL_RUNTIME_DIR/monitor.err")"
+fi
+
+# A monitor whose service dies says so and exits 3 (the client alone would retry silently).
+"$tool" monitor mon > /dev/null 2> "$HL_RUNTIME_DIR/monitor.err" &
+monitor=$!
+pids+=($monitor)
+for _ in $(seq 100); do grep -q monitoring "$HL_RUNTIME_DIR/monitor.err" && break; sleep 0.05; done
+kill -9 "${pids[0]}"
+for _ in $(seq 100); do kill -0 $monitor 2>/dev/null || break; sleep 0.05; done
+if kill -0 $monitor 2>/dev/null; then
+    fail "monitor still runs 5 s after its service died"
+else
+    wait $monitor; code=$?
+    [ $code -eq 3 ] || fail "monitor exits $code after its service died: $(cat "$HL_RUNTIME_DIR/monitor.err")"
 fi
 
 # Usage errors, found before any service is asked.
