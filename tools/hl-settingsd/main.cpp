@@ -8,6 +8,8 @@
 #include <settings_manager/service/held_requests.h>
 #include <settings_manager/service/service_host.h>
 
+#include <sys/stat.h>
+
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -48,6 +50,7 @@ int main(int argc, char** argv) {
         return kExitStopped;
     }
     hos::logger::HOSLogger::Setup("SETTINGSD", static_cast<LogLevel>(options->logLevel), nullptr);
+    ::umask(077);  // the stores and their -wal and -shm files are the user's alone
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGTERM, OnStopSignal);
     std::signal(SIGINT, OnStopSignal);

@@ -2,6 +2,8 @@
 
 #include "json_defaults.h"
 #include "memory_tree_store.h"
+#include "sqlite_tree_store.h"
+#include "state_directory.h"
 
 #include <diagnostics/log.h>
 
@@ -38,7 +40,10 @@ std::unique_ptr<ITreeStore> MakeTreeStore(const DaemonOptions& options) {
         HL_LOG(LogLevel::Info, "{}: in memory, from the defaults {}", options.service.name, file);
         return std::make_unique<MemoryTreeStore>(std::move(defaults));
     }
-    throw std::runtime_error("the persistent stores are not available in this build");
+    const std::string file =
+        PrepareStateDirectory(options.stateDir) + "/" + std::string(options.service.name) + ".db";
+    HL_LOG(LogLevel::Info, "{}: persistent, in {}", options.service.name, file);
+    return std::make_unique<SqliteTreeStore>(file);
 }
 
 }  // namespace hl_settingsd

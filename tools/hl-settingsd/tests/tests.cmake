@@ -7,16 +7,24 @@ endif()
 set(_hl_settingsd_test_support
   "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
   "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
-  "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/settingsd_process.cpp")
+  "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/settingsd_process.cpp"
+  "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/raw_ism.cpp")
+
+hl_add_executable(hl_settingsd_half_writer
+  SOURCES tests/half_writer.cpp "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/raw_ism.cpp"
+  DEPS hl_settings_manager)
+target_include_directories(hl_settingsd_half_writer PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
 
 hl_add_test(hl_settingsd_tests
-  SOURCES tests/store_rules_process_test.cpp ${_hl_settingsd_test_support}
+  SOURCES tests/store_rules_process_test.cpp tests/persistence_process_test.cpp
+          ${_hl_settingsd_test_support}
   DEPS hl_settings_manager
   LABELS integration)
 
 if(TARGET hl_settingsd_tests)
   target_include_directories(hl_settingsd_tests PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests"
                                                         "${CMAKE_CURRENT_SOURCE_DIR}/tests")
-  target_compile_definitions(hl_settingsd_tests PRIVATE HL_SETTINGSD="$<TARGET_FILE:hl-settingsd>")
-  add_dependencies(hl_settingsd_tests hl-settingsd)
+  target_compile_definitions(hl_settingsd_tests PRIVATE HL_SETTINGSD="$<TARGET_FILE:hl-settingsd>"
+    HL_SETTINGSD_HALF_WRITER="$<TARGET_FILE:hl_settingsd_half_writer>")
+  add_dependencies(hl_settingsd_tests hl-settingsd hl_settingsd_half_writer)
 endif()

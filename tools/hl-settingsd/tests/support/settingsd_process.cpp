@@ -1,5 +1,7 @@
 #include "support/settingsd_process.h"
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <sstream>
 
@@ -26,6 +28,10 @@ std::unique_ptr<SettingsdProcess> SettingsdProcess::Start(const std::vector<std:
     command += " 2>>" + Quoted(logFile);
     auto peer = hos::platform::testing::PeerProcess::Start({"/bin/sh", "-c", command});
     if (!peer) {
+        std::ifstream in(logFile);
+        std::ostringstream log;
+        log << in.rdbuf();
+        ADD_FAILURE() << "hl-settingsd didn't come up; its log:\n" << log.str();
         return nullptr;
     }
     auto process = std::unique_ptr<SettingsdProcess>(new SettingsdProcess());
