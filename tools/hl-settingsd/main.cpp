@@ -8,6 +8,8 @@
 #include <settings_manager/service/held_requests.h>
 #include <settings_manager/service/service_host.h>
 
+#include <platform/nk_message.h>
+
 #include <sys/stat.h>
 
 #include <atomic>
@@ -26,8 +28,9 @@ constexpr int kExitStopped = 0;
 constexpr int kExitUsage = 1;
 constexpr int kExitStore = 2;
 constexpr int kExitServe = 3;
-// A Wait held for longer is left to run out on the client (its call timeout is 2000 ms).
-constexpr unsigned int kMaxHoldMs = 1500;
+// A held Wait is kept until a newer one of its client replaces it: an answer it no longer waits for is
+// ignored by the client and sent again (see SubscriptionTable), and answering it finds a dead client.
+constexpr unsigned int kMaxHoldMs = NK_TIMEOUT_INFINITE;
 constexpr unsigned int kReceiveTimeoutMs = 250;
 
 std::atomic<bool> g_stop{false};

@@ -371,14 +371,14 @@ void SettingsService::Wait(std::uint64_t cid, std::uint64_t& sid, nk_ptr_t& path
 }
 
 void SettingsService::Done(std::uint64_t cid, std::uint64_t sid, std::int32_t& rc) {
-    rc = m_subscriptions.Known(cid) ? kOk : kNotFound;
+    rc = m_subscriptions.Confirm(cid, sid) ? kOk : kNotFound;
     HL_LOG(LogLevel::Debug, "Done ${} of @{:X}", sid, cid);
 }
 
 void SettingsService::Tick(std::chrono::steady_clock::time_point now) {
     m_exchanges.Expire(now);
     for (const std::uint64_t cid : m_subscriptions.Silent(now)) {
-        DropCallback(cid, "has not called Wait for a minute");
+        DropCallback(cid, "has stopped calling Wait");
     }
 }
 

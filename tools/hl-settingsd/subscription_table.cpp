@@ -74,13 +74,30 @@ std::optional<SubscriptionTable::Update> SubscriptionTable::Take(std::uint64_t c
     if (found == m_callbacks.end()) {
         return std::nullopt;
     }
+    auto& queue = found->second.queue;
     found->second.lastWait = now;
-    if (found->second.queue.empty()) {
+    while (!queue.empty() && queue.front().attempts >= kMaxAttempts) {
+        HL_LOG(LogLevel::Info, "callback @{:X}: the update of ${} was sent {} times without Done: dropped",
+               cid, queue.front().sid, queue.front().attempts);
+        queue.pop_front();
+    }
+    if (queue.empty()) {
         return std::nullopt;
     }
-    Update update = std::move(found->second.queue.front());
-    found->second.queue.pop_front();
-    return update;
+    ++queue.front().attempts;
+    return queue.front();
+}
+
+bool SubscriptionTable::Confirm(std::uint64_t cid, std::uint64_t sid) {
+    const auto found = m_callbacks.find(cid);
+    if (found == m_callbacks.end()) {
+        return false;
+    }
+    auto& queue = found->second.queue;
+    if (!queue.empty() && queue.front().attempts > 0 && queue.front().sid == sid) {
+        queue.pop_front();
+    }
+    return true;
 }
 
 bool SubscriptionTable::HasUpdate(std::uint64_t cid) const {
@@ -91,7 +108,8 @@ bool SubscriptionTable::HasUpdate(std::uint64_t cid) const {
 std::vector<std::uint64_t> SubscriptionTable::Silent(Clock::time_point now) const {
     std::vector<std::uint64_t> silent;
     for (const auto& [cid, callback] : m_callbacks) {
-        if (now - callback.lastWait > kSilenceLimit) {
+        const bool delivering = !callback.queue.empty() && callback.queue.front().attempts > 0;
+        if (now - callback.lastWait > (delivering ? kSilenceLimit : kIdleSilenceLimit)) {
             silent.push_back(cid);
         }
     }

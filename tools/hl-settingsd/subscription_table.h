@@ -7,8 +7,16 @@
 // kUpdWritten, kUpdDeleted or kUpdAttribute. At most kMaxQueued updates wait per cid; one more drops
 // the oldest with a log line. Ids count up from 1, cids and sids alike.
 //
-// A cid that hasn't called Wait for kSilenceLimit is taken as gone (its client died without
-// unregistering); the service drops it (Silent, Unregister).
+// Delivery: a Wait takes the oldest update of its cid and leaves it queued until Done confirms its sid
+// (Confirm); a Wait that finds an update already sent twice drops it instead. So an answer that reached
+// a client after its Wait ran out (it ignores it) is sent again on the next Wait, and an update for a
+// sid the client doesn't know (it sends no Done) goes after two tries.
+//
+// A living client calls Wait again and again (each runs out after 2000 ms on its side, and a failed
+// one is repeated after 1000 ms), except while its observer runs on an update it was given. So a cid
+// that hasn't called Wait for kIdleSilenceLimit with no update awaiting its Done, or for kSilenceLimit
+// with one, is taken as gone (its client died without unregistering); the service drops it (Silent,
+// Unregister).
 //
 // Thread: the service's serving thread only.
 
@@ -33,13 +41,16 @@ public:
     static constexpr std::uint8_t kUpdAttribute = 3;
     static constexpr std::size_t kMaxQueued = 1024;
     static constexpr std::size_t kMaxSubscriptions = 4096;
+    static constexpr std::chrono::seconds kIdleSilenceLimit{8};
     static constexpr std::chrono::seconds kSilenceLimit{60};
 
     struct Update {
         std::uint64_t sid = 0;
         std::string path;
         std::uint8_t upd = 0;
+        unsigned attempts = 0;
     };
+    static constexpr unsigned kMaxAttempts = 2;
 
     std::uint64_t Register(Clock::time_point now);
     // The number of subscriptions the cid had; none if the cid is unknown.
@@ -52,8 +63,10 @@ public:
 
     // Queues the updates of a change at path; returns the cids that got one.
     std::set<std::uint64_t> Notify(const uvc::Path& path, const std::string& pathText, std::uint8_t upd);
-    // Notes a Wait of cid now and takes its oldest update, if any.
+    // Notes a Wait of cid now and gives its oldest update, if any (see Delivery above).
     std::optional<Update> Take(std::uint64_t cid, Clock::time_point now);
+    // Done of cid for sid: the update given last is delivered. False for an unknown cid.
+    bool Confirm(std::uint64_t cid, std::uint64_t sid);
     bool HasUpdate(std::uint64_t cid) const;
     std::vector<std::uint64_t> Silent(Clock::time_point now) const;
 

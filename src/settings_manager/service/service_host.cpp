@@ -35,6 +35,7 @@ ServiceHost::ServiceHost(const std::string& serverName, const std::string& compo
                          Implementations implementations, std::shared_ptr<HeldRequests> held,
                          unsigned int maxHoldMs)
     : m_held(std::move(held)),
+      m_maxHoldMs(maxHoldMs),
       m_maxHold(maxHoldMs),
       m_channel(NK_INVALID_HANDLE),
       m_request(kMessageRoom),
@@ -125,8 +126,11 @@ ServiceHost::Report ServiceHost::ServeOne(unsigned int timeoutMs) {
 }
 
 void ServiceHost::AnswerWoken(Report& report) {
+    for (const std::uint64_t key : m_held->TakeForgotten()) {
+        m_kept.erase(key);
+    }
     const auto now = std::chrono::steady_clock::now();
-    for (auto it = m_kept.begin(); it != m_kept.end();) {
+    for (auto it = m_kept.begin(); it != m_kept.end() && m_maxHoldMs != NK_TIMEOUT_INFINITE;) {
         it = now - it->second.since > m_maxHold ? m_kept.erase(it) : std::next(it);
     }
     for (const std::uint64_t key : m_held->TakeWoken()) {
@@ -146,7 +150,10 @@ void ServiceHost::AnswerWoken(Report& report) {
         }
         const int rc = kept.transport.ops->reply(
             &kept.transport, reinterpret_cast<const nk_message*>(m_response.data()), &m_responseArenaView);
-        if (rc == NK_ECLOSED) {
+        if (rc != NK_EOK) {
+            // The reply is the service's own and well formed: a failure means the client's end is gone.
+            HL_LOG(LogLevel::Debug, "the answer to the request held under {} failed: {:#x}", key,
+                   static_cast<std::uint32_t>(rc));
             report.gone.push_back(key);
         }
     }

@@ -14,9 +14,11 @@ hl_add_executable(hl_settingsd_half_writer
   SOURCES tests/half_writer.cpp "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/raw_ism.cpp"
   DEPS hl_settings_manager)
 target_include_directories(hl_settingsd_half_writer PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
+hl_add_executable(hl_settingsd_test_subscriber SOURCES tests/subscriber.cpp DEPS hl_settings_manager)
 
 hl_add_test(hl_settingsd_tests
   SOURCES tests/store_rules_process_test.cpp tests/persistence_process_test.cpp
+          tests/subscriptions_process_test.cpp
           ${_hl_settingsd_test_support}
   DEPS hl_settings_manager
   LABELS integration)
@@ -25,6 +27,7 @@ if(TARGET hl_settingsd_tests)
   target_include_directories(hl_settingsd_tests PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests"
                                                         "${CMAKE_CURRENT_SOURCE_DIR}/tests")
   target_compile_definitions(hl_settingsd_tests PRIVATE HL_SETTINGSD="$<TARGET_FILE:hl-settingsd>"
-    HL_SETTINGSD_HALF_WRITER="$<TARGET_FILE:hl_settingsd_half_writer>")
-  add_dependencies(hl_settingsd_tests hl-settingsd hl_settingsd_half_writer)
+    HL_SETTINGSD_HALF_WRITER="$<TARGET_FILE:hl_settingsd_half_writer>"
+    HL_SETTINGSD_SUBSCRIBER="$<TARGET_FILE:hl_settingsd_test_subscriber>")
+  add_dependencies(hl_settingsd_tests hl-settingsd hl_settingsd_half_writer hl_settingsd_test_subscriber)
 endif()

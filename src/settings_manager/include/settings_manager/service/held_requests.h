@@ -22,8 +22,12 @@ public:
     void HoldCurrent(std::uint64_t key) { m_holdCurrent = key; }
     // Asks for the request held under key, if any, to be served again.
     void Wake(std::uint64_t key) { m_woken.insert(key); }
-    // Forgets any wake for key (its client has gone).
-    void Forget(std::uint64_t key) { m_woken.erase(key); }
+    // Forgets any wake for key and drops the request held under it, unanswered (its client has gone or
+    // unregistered).
+    void Forget(std::uint64_t key) {
+        m_woken.erase(key);
+        m_forgotten.insert(key);
+    }
 
     // For the serving loop: the key the request just served asked to be held under, once.
     std::optional<std::uint64_t> TakeHoldCurrent() {
@@ -38,9 +42,17 @@ public:
         return woken;
     }
 
+    // For the serving loop: the keys forgotten since the last call.
+    std::set<std::uint64_t> TakeForgotten() {
+        std::set<std::uint64_t> forgotten;
+        forgotten.swap(m_forgotten);
+        return forgotten;
+    }
+
 private:
     std::optional<std::uint64_t> m_holdCurrent;
     std::set<std::uint64_t> m_woken;
+    std::set<std::uint64_t> m_forgotten;
 };
 
 }  // namespace settings_manager::service

@@ -5,10 +5,10 @@
 // descriptions. A request of another riid is answered with the server failure word and a log line.
 //
 // Held requests (held_requests.h): a request that the implementation marks is kept, with the transport
-// state that answers its client, instead of being answered. A woken one is served again and answered;
-// a kept request older than maxHoldMs is dropped unanswered instead (its client gave up on it: the
-// client's Wait runs for 2000 ms), and the implementation gets nothing for it: its update stays for the
-// client's next Wait.
+// state that answers its client, instead of being answered. A woken one is served again and answered
+// (an answer that finds its client gone is reported). A kept request older than maxHoldMs is dropped
+// unanswered (NK_TIMEOUT_INFINITE: never), as is a forgotten one; a later one under the same key
+// replaces it.
 //
 // Thread: one thread constructs it and runs ServeOne; the implementations are called on that thread.
 // The implementations and the HeldRequests must outlive the host. The destructor closes the channel.
@@ -50,7 +50,7 @@ public:
 
     struct Report {
         bool served = false;  // a request came in (answered or kept)
-        // Keys whose kept request could not be answered because the client has gone.
+        // Keys whose kept request could not be answered: the client has gone.
         std::vector<std::uint64_t> gone;
     };
     // Receives one request, waiting at most timeoutMs (NK_TIMEOUT_INFINITE: no limit), serves it, then
@@ -69,6 +69,7 @@ private:
     void AnswerWoken(Report& report);
 
     std::shared_ptr<HeldRequests> m_held;
+    unsigned int m_maxHoldMs;
     std::chrono::milliseconds m_maxHold;
     unsigned int m_channel;
     NkHosTransport m_transport{};

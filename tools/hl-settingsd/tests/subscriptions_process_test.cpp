@@ -1,0 +1,141 @@
+// Update subscriptions of hl-settingsd as real processes: which subscriptions a change wakes and with
+// which kind, a change seen by two subscriber processes, and a subscriber killed while the other keeps
+// receiving. The client side's retry after a service restart is tested with the client
+// (src/settings_manager/tests/integration/callback_thread_test.cpp).
+#include <settings_manager/creators.h>
+#include <settings_manager/i_settings_update_observer.h>
+#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/path_to_str.h>
+#include <settings_manager/setting.h>
+#include <uvc/path_text.h>
+
+#include "support/scoped_runtime_directory.h"
+#include "support/settingsd_process.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using hos::platform::testing::PeerProcess;
+using settings_manager::Setting;
+using settings_manager::SettingMap;
+
+constexpr const char* kService = "hl.settings_manager.MSmgr";
+
+uvc::Path P(const char* text) {
+    return uvc::FromString(text, settings_manager::meta::GetIdSpecification()).first;
+}
+
+class RecordingObserver final : public settings_manager::ISettingsUpdateObserver {
+public:
+    void OnUpdate(const uvc::Path& path, std::uint8_t upd) override {
+        std::lock_guard lock(m_mutex);
+        m_updates.push_back(settings_manager::PathToStr(path) + " " + std::to_string(upd));
+        m_changed.notify_all();
+    }
+    std::vector<std::string> WaitFor(std::size_t count,
+                                     std::chrono::milliseconds timeout = std::chrono::seconds(10)) {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait_for(lock, timeout, [&] { return m_updates.size() >= count; });
+        return m_updates;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<std::string> m_updates;
+};
+
+class Subscriptions : public testing::Test {
+protected:
+    void SetUp() override {
+        m_daemon =
+            hl_settingsd::testing::SettingsdProcess::Start({kService}, m_directory.Path() + "/settingsd.log");
+        ASSERT_NE(m_daemon, nullptr);
+        ASSERT_EQ(vdi::common_utils::settings::CreateSettingsManagerNonPersistent(m_manager), 0);
+        m_manager->GetSettingsSetter(m_setter);
+        m_manager->GetSettingsValueSetter(m_valueSetter);
+        m_manager->GetSettingsDeleter(m_deleter);
+        m_manager->GetSettingsUpdateSubscriber(m_subscriber);
+    }
+
+    std::shared_ptr<RecordingObserver> Subscribe(const char* path) {
+        auto observer = std::make_shared<RecordingObserver>();
+        settings_manager::SubscriptionId sid;
+        EXPECT_EQ(m_subscriber->Subscribe(P(path), observer, sid), 0);
+        m_sids.push_back(sid);
+        return observer;
+    }
+    void TearDown() override {
+        for (const auto sid : m_sids) {
+            m_subscriber->Unsubscribe(sid);
+        }
+    }
+
+    hos::platform::testing::ScopedRuntimeDirectory m_directory;
+    std::unique_ptr<hl_settingsd::testing::SettingsdProcess> m_daemon;
+    std::shared_ptr<settings_manager::ISettingsManager> m_manager;
+    std::shared_ptr<settings_manager::ISettingsSetter> m_setter;
+    std::shared_ptr<settings_manager::ISettingsValueSetter> m_valueSetter;
+    std::shared_ptr<settings_manager::ISettingsDeleter> m_deleter;
+    std::shared_ptr<settings_manager::ISettingsUpdateSubscriber> m_subscriber;
+    std::vector<settings_manager::SubscriptionId> m_sids;
+};
+
+TEST_F(Subscriptions, AChangeWakesTheSubscriptionsAtAboveAndBelowItsPathWithItsKind) {
+    auto locale = Subscribe("locale/");
+    auto language = Subscribe("locale/language/");
+    auto other = Subscribe("other/");
+    auto root = Subscribe("");
+
+    EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("ru-RU")), 0);  // at and above
+    EXPECT_EQ(m_setter->SetSetting(P("locale/"), Setting(SettingMap{})), 0);             // replaces below
+    EXPECT_EQ(m_valueSetter->SetValue(P("locale/x/"), true), 0);
+    EXPECT_EQ(m_setter->SetAttribute(P("locale/x/"), settings_manager::Attributes{true}), 0);
+    EXPECT_EQ(m_deleter->DeleteSetting(P("locale/x/")), 0);
+    EXPECT_EQ(m_deleter->DeleteSetting(P("locale/x/")), static_cast<std::int32_t>(0x8000004Cu));  // no change
+
+    const std::vector<std::string> atLocale{"locale/language/ 1", "locale/ 1", "locale/x/ 1", "locale/x/ 3",
+                                            "locale/x/ 2"};
+    EXPECT_EQ(locale->WaitFor(5), atLocale);
+    EXPECT_EQ(root->WaitFor(5), atLocale);
+    EXPECT_EQ(language->WaitFor(2), (std::vector<std::string>{"locale/language/ 1", "locale/ 1"}));
+    // Nothing more comes to the narrower or the unrelated subscription.
+    EXPECT_EQ(language->WaitFor(3, std::chrono::milliseconds(500)).size(), 2u);
+    EXPECT_TRUE(other->WaitFor(1, std::chrono::milliseconds(500)).empty());
+}
+
+TEST_F(Subscriptions, TwoSubscriberProcessesSeeAChangeAndAKilledOneIsDroppedWithoutDisturbingTheOther) {
+    auto first = PeerProcess::Start({HL_SETTINGSD_SUBSCRIBER, kService, "locale/"});
+    auto second = PeerProcess::Start({HL_SETTINGSD_SUBSCRIBER, kService, "locale/"});
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("de-DE")), 0);
+    EXPECT_TRUE(first->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
+    EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
+
+    first->Kill();
+    EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("fr-FR")), 0);
+    EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
+    // Dropped when an answer to its held Wait fails, or once it stops calling Wait (8 s).
+    for (int i = 0; i < 150 && !m_daemon->LogContains("dropped with its 1 subscriptions"); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    EXPECT_TRUE(m_daemon->LogContains("callback @2 has ") &&
+                m_daemon->LogContains("dropped with its 1 subscriptions"))
+        << m_daemon->Log();
+
+    // The service goes on for the living one.
+    EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("it-IT")), 0);
+    EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
+}
+
+}  // namespace
