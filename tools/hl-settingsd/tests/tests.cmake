@@ -18,7 +18,7 @@ hl_add_executable(hl_settingsd_test_subscriber SOURCES tests/subscriber.cpp DEPS
 
 hl_add_test(hl_settingsd_tests
   SOURCES tests/store_rules_process_test.cpp tests/persistence_process_test.cpp
-          tests/subscriptions_process_test.cpp
+          tests/subscriptions_process_test.cpp tests/bad_input_process_test.cpp
           ${_hl_settingsd_test_support}
   DEPS hl_settings_manager
   LABELS integration)

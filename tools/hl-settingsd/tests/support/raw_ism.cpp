@@ -88,14 +88,20 @@ RawIsm::Answer RawIsm::Read(const std::string& pathText, std::uint8_t mask, RawI
     return answer;
 }
 
-std::int32_t RawIsm::ReadNext(std::uint64_t id) {
+std::int32_t RawIsm::ReadNext(std::uint64_t id, RawItems* items, bool* last) {
     std::vector<unsigned char> responseBytes(NkISM::kNodesArena);
     nk_arena response{responseBytes.data(), responseBytes.data(),
                       responseBytes.data() + responseBytes.size()};
     nk_ptr_t nodes{};
-    std::uint8_t last = 0;
+    std::uint8_t lastFlag = 0;
     std::int32_t rc = 1;
-    m_ism->ReadNext(id, nodes, last, rc, response);
+    m_ism->ReadNext(id, nodes, lastFlag, rc, response);
+    if (rc == 0 && items != nullptr) {
+        arena::impl::Read(response, nodes, *items);
+    }
+    if (last != nullptr) {
+        *last = lastFlag != 0;
+    }
     return rc;
 }
 

@@ -33,7 +33,8 @@ public:
     std::int32_t Cancel(std::uint64_t id);
     // Read with a mask; the nodes of the first chunk are appended to items.
     Answer Read(const std::string& pathText, std::uint8_t mask, RawItems& items, std::uint64_t& ncount);
-    std::int32_t ReadNext(std::uint64_t id);
+    // ReadNext; the nodes are appended to items (when given), last tells whether they were the last.
+    std::int32_t ReadNext(std::uint64_t id, RawItems* items = nullptr, bool* last = nullptr);
 
     // Sends one frame with the given riid, mid, message size (fields zero) and arena bytes over a
     // channel of its own; returns the response's size word, or 0 when the call failed.
