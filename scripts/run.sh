@@ -8,15 +8,16 @@
 # dialog-shown.png (or $HL_SCREENSHOT), Approve is clicked with a real X event (xdotool), the
 # answer is printed and the session ends cleanly.
 #
-# Environment: QT_QUICK_BACKEND (default software), HL_SCREENSHOT; HL_RUNTIME_DIR as for every
-# hosted program, so `hl-appmgr status` and `hl-ask` from another shell reach this session. The manager and the program log to standard error.
+# Environment: HL_LANGUAGE (en-US, ru-RU, es-MX, pt-BR: set with hl-settings before the program
+# starts; else the service's default, en-US), QT_QUICK_BACKEND (default software), HL_SCREENSHOT;
+# HL_RUNTIME_DIR as for every hosted program, so `hl-appmgr status` and `hl-ask` from another shell reach this session. The manager and the program log to standard error.
 # Exit status: hl-ask's (0 approved, 1 declined, 2 error), or 3 when the session can't start.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
 cmake --preset default >/dev/null
 cmake --build --preset default -j "$(nproc)" --target access_arbiter access_arbiter_preview hl-ipc hl-appmgr hl-ask \
-  hl-settingsd
+  hl-settingsd hl-settings
 
 BIN=build/default
 SESSION=$(mktemp -d "${TMPDIR:-/tmp}/hl-session.XXXXXX")
@@ -55,6 +56,10 @@ for _ in $(seq 100); do
   sleep 0.1
 done
 grep -q '^ready$' "$SESSION/settingsd.out" || { echo "run: hl-settingsd did not start" >&2; exit 3; }
+if [ -n "${HL_LANGUAGE:-}" ]; then
+  "$BIN/tools/hl-settings/hl-settings" --service hl.settings_manager.MSmgr set locale/language "$HL_LANGUAGE" ||
+    { echo "run: the language could not be set" >&2; exit 3; }
+fi
 
 "$BIN/tools/hl-appmgr/hl-appmgr" run --name AccessArbiter -- "$PWD/$BIN/src/access_arbiter/access_arbiter" "$@" \
   2> >(tee "$SESSION/appmgr.log" >&2) &

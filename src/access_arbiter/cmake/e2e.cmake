@@ -52,7 +52,8 @@ endif()
 if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
    AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt"
    AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-ask/CMakeLists.txt"
-   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-settingsd/CMakeLists.txt")
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-settingsd/CMakeLists.txt"
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-settings/CMakeLists.txt")
   set(_aa_e2e "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e")
   hl_add_test(hl_access_arbiter_callers_e2e_tests
     SOURCES "${_aa_e2e}/decision_callers_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
@@ -65,15 +66,24 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     LABELS e2e
     ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 300)
-  foreach(_aa_target hl_access_arbiter_callers_e2e_tests hl_access_arbiter_session_faults_e2e_tests)
+  # The language read from the settings service; one case waits out the connection attempts (5 min).
+  hl_add_test(hl_access_arbiter_language_e2e_tests
+    SOURCES "${_aa_e2e}/language_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
+    DEPS Qt6::Gui
+    LABELS e2e
+    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
+    TIMEOUT 480)
+  foreach(_aa_target hl_access_arbiter_callers_e2e_tests hl_access_arbiter_session_faults_e2e_tests
+                     hl_access_arbiter_language_e2e_tests)
     if(TARGET ${_aa_target})
       target_include_directories(${_aa_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
       target_compile_definitions(${_aa_target} PRIVATE
         HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
         HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>"
         HL_ASK_EXECUTABLE="$<TARGET_FILE:hl-ask>"
-        HL_SETTINGSD_EXECUTABLE="$<TARGET_FILE:hl-settingsd>")
-      add_dependencies(${_aa_target} access_arbiter hl-appmgr hl-ask hl-settingsd)
+        HL_SETTINGSD_EXECUTABLE="$<TARGET_FILE:hl-settingsd>"
+        HL_SETTINGS_EXECUTABLE="$<TARGET_FILE:hl-settings>")
+      add_dependencies(${_aa_target} access_arbiter hl-appmgr hl-ask hl-settingsd hl-settings)
     endif()
   endforeach()
 endif()

@@ -163,26 +163,43 @@ HostedSession::~HostedSession() {
     }
 }
 
-bool HostedSession::Start(const std::string& unitLines) {
-    if (!m_settings) {
-        m_settings = std::make_unique<ChildProcess>(
-            std::vector<std::string>{HL_SETTINGSD_EXECUTABLE, "hl.settings_manager.MSmgr"},
-            m_directory + "/settingsd");
-        const auto deadline = Clock::now() + 60s;
-        while (m_settings->Output().find("ready\n") == std::string::npos) {
-            if (Clock::now() >= deadline || !m_settings->Running()) {
-                return false;
-            }
-            std::this_thread::sleep_for(50ms);
+bool HostedSession::StartSettings(const std::vector<std::string>& options) {
+    std::vector<std::string> arguments{HL_SETTINGSD_EXECUTABLE};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.push_back("hl.settings_manager.MSmgr");
+    m_settings = std::make_unique<ChildProcess>(arguments, m_directory + "/settingsd");
+    const auto deadline = Clock::now() + 60s;
+    while (m_settings->Output().find("ready\n") == std::string::npos) {
+        if (Clock::now() >= deadline || !m_settings->Running()) {
+            return false;
         }
+        std::this_thread::sleep_for(50ms);
     }
-    const std::string unit = m_directory + "/AccessArbiter.unit";
-    std::ofstream(unit) << "name=AccessArbiter\nprogram=" HL_ACCESS_ARBITER_EXECUTABLE "\n" << unitLines;
+    return true;
+}
+
+int HostedSession::SettingsTool(const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{HL_SETTINGS_EXECUTABLE};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    ChildProcess tool(command, m_directory + "/hl-settings");
+    return tool.Wait(60s).value_or(-1);
+}
+
+bool HostedSession::Start(const std::string& unitLines) {
+    if (!m_settings && !StartSettings()) {
+        return false;
+    }
     const std::size_t readyBefore = CountInLog("]: ReadyToShowUI");
-    m_manager = std::make_unique<ChildProcess>(
-        std::vector<std::string>{HL_APPMGR_EXECUTABLE, "run", "--unit", unit}, m_directory + "/session.log");
+    StartManager(unitLines);
     // Start-up under the sanitizers can be slow.
     return WaitForLog("]: ReadyToShowUI", 120s, readyBefore + 1);
+}
+
+void HostedSession::StartManager(const std::string& unitLines) {
+    const std::string unit = m_directory + "/AccessArbiter.unit";
+    std::ofstream(unit) << "name=AccessArbiter\nprogram=" HL_ACCESS_ARBITER_EXECUTABLE "\n" << unitLines;
+    m_manager = std::make_unique<ChildProcess>(
+        std::vector<std::string>{HL_APPMGR_EXECUTABLE, "run", "--unit", unit}, m_directory + "/session.log");
 }
 
 bool HostedSession::Stop() {

@@ -49,11 +49,19 @@ public:
     HostedSession(const HostedSession&) = delete;
     HostedSession& operator=(const HostedSession&) = delete;
 
+    // hl-settingsd for "hl.settings_manager.MSmgr", `options` before the name (none: its shipped
+    // defaults, which hold the language "en-US"); waits for its "ready".
+    bool StartSettings(const std::vector<std::string>& options = {});
+    // hl-settings with `arguments`, against this session's services; its exit status, -1 if it hangs.
+    int SettingsTool(const std::vector<std::string>& arguments);
+
     // hl-appmgr run --unit FILE, the unit being AccessArbiter's program and name followed by
     // `unitLines` ("key=value" lines); the manager and the program append to the log. Waits for the
-    // program's ReadyToShowUI. The first call starts hl-settingsd first. Called again once the manager
-    // has gone, it starts another.
+    // program's ReadyToShowUI. Starts hl-settingsd first when none runs yet. Called again once the
+    // manager has gone, it starts another.
     bool Start(const std::string& unitLines = "restart=no\n");
+    // The manager alone: no settings service is started, and nothing is waited for.
+    void StartManager(const std::string& unitLines);
     ChildProcess& Manager() { return *m_manager; }
     // Stops the manager with SIGTERM and waits for it; true when it ended with 0 and its application
     // exited with status 0, as a normal stop does (a sanitizer's report in the program changes that).

@@ -1,0 +1,167 @@
+// The dialog's language end to end, with the real executables on an X server of the test's own:
+// hl-settingsd serves the non-persistent settings, hl-settings changes them as a person would,
+// hl-appmgr (re)starts AccessArbiter, and hl-ask asks. What the shown window says is read from its
+// pixels, compared with the reference image of each language, and the program's own log lines say
+// which catalogue it installed and why.
+#include "support/hosted_session.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include <signal.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+using access_arbiter::e2e::HostedSession;
+
+constexpr const char* kService = "hl.settings_manager.MSmgr";
+constexpr const char* kLanguages[] = {"en-US", "ru-RU"};
+
+// Share of pixels of which one channel is off by more than 48; 1 when the sizes differ.
+double DifferingShare(const QImage& actualImage, const QImage& expectedImage) {
+    const QImage actual = actualImage.convertToFormat(QImage::Format_ARGB32);
+    const QImage expected = expectedImage.convertToFormat(QImage::Format_ARGB32);
+    if (actual.size() != expected.size()) {
+        return 1.0;
+    }
+    qint64 differing = 0;
+    for (int y = 0; y < actual.height(); ++y) {
+        for (int x = 0; x < actual.width(); ++x) {
+            const QRgb a = actual.pixel(x, y);
+            const QRgb e = expected.pixel(x, y);
+            differing += std::max({std::abs(qRed(a) - qRed(e)), std::abs(qGreen(a) - qGreen(e)),
+                                   std::abs(qBlue(a) - qBlue(e))}) > 48;
+        }
+    }
+    return static_cast<double>(differing) / (static_cast<double>(actual.width()) * actual.height());
+}
+
+class Language : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(HostedSession::StartDisplay()) << "Xvfb did not start"; }
+
+    // Asks once and reads the shown dialog: the language whose reference image it matches (at most
+    // half a percent of the pixels differ), or "none"; then declines, so the caller gets 1.
+    std::string ShownLanguage() {
+        auto ask = m_session.Ask({"--wait-for-service", "60000", "--timeout", "120000"});
+        const std::string window = m_session.WaitShown(60s);
+        if (window.empty()) {
+            ADD_FAILURE() << "no dialog was shown\n" << m_session.Log();
+            return "none";
+        }
+        std::this_thread::sleep_for(300ms);  // the first frame
+        const std::string shot = m_session.Directory() + "/shown.png";
+        std::system(("import -window " + window + " png:" + shot).c_str());
+        const QImage actual(QString::fromStdString(shot));
+        std::string shown = "none";
+        for (const char* language : kLanguages) {
+            const QImage reference(QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/tests/visual/reference/"
+                                                                "dialog-%1.png")
+                                       .arg(QLatin1String(language)));
+            if (!actual.isNull() && DifferingShare(actual, reference) <= 0.005) {
+                shown = language;
+            }
+        }
+        if (shown == "none") {
+            std::filesystem::create_directories(HL_BINARY_DIR "/visual-failures");
+            std::filesystem::copy_file(shot, HL_BINARY_DIR "/visual-failures/language-shown.png",
+                                       std::filesystem::copy_options::overwrite_existing);
+        }
+        m_session.Click(window, 86, 110);
+        EXPECT_EQ(ask->Wait(60s), 1) << "the decline did not reach the caller";
+        EXPECT_TRUE(m_session.WaitHidden(30s));
+        return shown;
+    }
+
+    // The catalogue line of the program's log for `locale` (as QLocale names it: "en_US").
+    static std::string Installed(const std::string& locale) {
+        return "Installing the <" + locale +
+               "> language translator for the resource <access_arbiter> completed";
+    }
+
+    HostedSession m_session;
+};
+
+TEST_F(Language, TheDialogFollowsTheLanguageSetWithTheSettingsToolFromItsNextStart) {
+    // The service's shipped defaults hold "en-US".
+    ASSERT_TRUE(m_session.Start()) << m_session.Log();
+    EXPECT_EQ(ShownLanguage(), "en-US");
+    EXPECT_EQ(m_session.CountInLog(Installed("en_US")), 1U) << m_session.Log();
+
+    ASSERT_EQ(m_session.SettingsTool({"--service", kService, "set", "locale/language", "ru-RU"}), 0);
+    // The running program keeps its language; the next start reads the new one.
+    EXPECT_EQ(ShownLanguage(), "en-US");
+    ASSERT_TRUE(m_session.Stop()) << m_session.Log();
+    ASSERT_TRUE(m_session.Start()) << m_session.Log();
+    EXPECT_EQ(ShownLanguage(), "ru-RU");
+    EXPECT_EQ(m_session.CountInLog(Installed("ru_RU")), 1U) << m_session.Log();
+    EXPECT_EQ(m_session.CountInLog("SMgr GetSettingValue"), 0U) << m_session.Log();
+}
+
+TEST_F(Language, AnAbsentOrUnreadableSettingGivesTheDefaultLanguageWithOneWarning) {
+    ASSERT_TRUE(m_session.StartSettings());
+    const struct {
+        std::vector<std::string> change;
+        const char* warning;
+    } cases[] = {
+        {{"delete", "locale/language"}, "SMgr GetSettingValue: can not get 'locale/language/', result = "},
+        {{"set", "locale/language", "7", "--type", "i64"},
+         "SMgr GetSettingValue: 'locale/language/' wrong type, index = 7"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.warning);
+        std::vector<std::string> arguments{"--service", kService};
+        arguments.insert(arguments.end(), c.change.begin(), c.change.end());
+        ASSERT_EQ(m_session.SettingsTool(arguments), 0);
+        const std::size_t before = m_session.CountInLog(Installed("ru_RU"));
+        ASSERT_TRUE(m_session.Start()) << m_session.Log();
+        EXPECT_EQ(ShownLanguage(), "ru-RU");
+        EXPECT_EQ(m_session.CountInLog(c.warning), 1U) << m_session.Log();
+        EXPECT_EQ(m_session.CountInLog(Installed("ru_RU")), before + 1);
+        ASSERT_TRUE(m_session.Stop()) << m_session.Log();
+    }
+    EXPECT_EQ(m_session.CountInLog("Unable to determine locale <>. Default is <ru_RU>"), 2U)
+        << m_session.Log();
+}
+
+TEST_F(Language, AServiceThatIsNotThereYetIsWaitedForAndItsLanguageShown) {
+    m_session.StartManager("restart=no\n");
+    ASSERT_TRUE(m_session.WaitForLog("Connecting to hl.settings_manager.MSmgr settings manager", 60s))
+        << m_session.Log();
+    std::this_thread::sleep_for(3s);
+    EXPECT_EQ(m_session.CountInLog("]: ReadyToShowUI"), 0U) << "the program went on without its settings";
+    EXPECT_TRUE(m_session.Manager().Running());
+
+    ASSERT_TRUE(m_session.StartSettings());
+    ASSERT_TRUE(m_session.WaitForLog("]: ReadyToShowUI", 120s)) << m_session.Log();
+    EXPECT_EQ(ShownLanguage(), "en-US");
+}
+
+// The connection is asked for every 100 ms, 3000 times: about five minutes.
+TEST_F(Language, WithoutTheServiceTheStartFailsOnceTheConnectionAttemptsRunOut) {
+    const auto started = std::chrono::steady_clock::now();
+    m_session.StartManager("restart=no\n");
+    ASSERT_TRUE(m_session.WaitForLog("]: FinishWithInternalError", 420s)) << m_session.Log();
+    EXPECT_GE(std::chrono::steady_clock::now() - started, 290s);
+    for (const char* line :
+         {"Could not create settings manager proxy: ", "KnCmConnect() fail: hl.settings_manager.MSmgr.NkISM",
+          "AccessArbiter start with error: ", "Failed to create non persistent settings manager",
+          "]: FinishWithInternalError: Failed to start AccessArbiter"}) {
+        EXPECT_EQ(m_session.CountInLog(line), 1U) << line << "\n" << m_session.Log();
+    }
+    EXPECT_EQ(m_session.CountInLog("]: ReadyToShowUI"), 0U);
+    EXPECT_TRUE(m_session.WaitForLog("]: exited with status 1", 30s)) << m_session.Log();
+    EXPECT_TRUE(m_session.ShownWindows().empty());
+}
+
+}  // namespace
