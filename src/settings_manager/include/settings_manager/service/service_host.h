@@ -64,7 +64,7 @@ private:
         std::vector<unsigned char> arena;
         std::chrono::steady_clock::time_point since;
     };
-    // Serves request into the response buffers; returns whether the implementation asked to keep it.
+    // Serves request through its stub into the response buffers (an unknown riid gets the failure word).
     void Dispatch(const nk_message* request, nk_arena* requestArena);
     void AnswerWoken(Report& report);
 
