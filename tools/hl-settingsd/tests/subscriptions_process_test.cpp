@@ -58,7 +58,9 @@ class Subscriptions : public testing::Test {
 protected:
     void SetUp() override {
         m_daemon =
-            hl_settingsd::testing::SettingsdProcess::Start({kService}, m_directory.Path() + "/settingsd.log");
+            // Debug level: the log then shows each Done, which the killed-subscriber test waits for.
+            hl_settingsd::testing::SettingsdProcess::Start({"--log-level", "1", kService},
+                                                           m_directory.Path() + "/settingsd.log");
         ASSERT_NE(m_daemon, nullptr);
         ASSERT_EQ(vdi::common_utils::settings::CreateSettingsManagerNonPersistent(m_manager), 0);
         m_manager->GetSettingsSetter(m_setter);
@@ -122,6 +124,12 @@ TEST_F(Subscriptions, TwoSubscriberProcessesSeeAChangeAndAKilledOneIsDroppedWith
     EXPECT_TRUE(first->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
     EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
 
+    // Killed before its Done, the first would hold its update as being delivered, and the service
+    // waits much longer for a client busy with an update than for an idle one. Kill it once idle.
+    for (int i = 0; i < 100 && !m_daemon->LogContains("Done $3 of @2"); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    ASSERT_TRUE(m_daemon->LogContains("Done $3 of @2")) << m_daemon->Log();
     first->Kill();
     EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("fr-FR")), 0);
     EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
