@@ -25,6 +25,8 @@ PACKAGES=(
   xdotool x11-apps imagemagick
   # the Python peer and the JSON checks of the tool tests
   python3
+  # the dialog benchmark: X events and XTEST input (libxcb), the one-shot dialog it is measured against
+  libxcb1-dev libxcb-xtest0-dev zenity
 )
 
 SUDO=""
