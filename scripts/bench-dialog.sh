@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The dialog benchmark: builds the program, hl-appmgr and the benchmark driver, starts a private Xvfb
-# (no window manager), and measures the resident dialog against a one-shot `zenity --question` on it.
+# The dialog benchmark: builds the program, hl-appmgr, hl-settingsd and the benchmark driver, starts a
+# private Xvfb (no window manager) and the settings service, and measures the resident dialog against a one-shot `zenity --question` on it.
 # Prints the machine, then the table (Markdown; --json for JSON). Arguments go to the driver, e.g.
 #   bash scripts/bench-dialog.sh --backends software,default --requests 200 --starts 30
 # Exit status: the driver's (0 measured, 1 usage, 2 set-up failed, 3 a measurement failed), or 3 when
@@ -9,7 +9,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh >&2
 cmake --preset default >/dev/null
-cmake --build --preset default -j "$(nproc)" --target access_arbiter hl-appmgr hl_access_arbiter_dialog_benchmark >&2
+cmake --build --preset default -j "$(nproc)" --target access_arbiter hl-appmgr hl-settingsd \
+  hl_access_arbiter_dialog_benchmark >&2
 
 BIN=build/default
 WORK=$(mktemp -d "${TMPDIR:-/tmp}/hl-bench-dialog.XXXXXX")
@@ -39,4 +40,4 @@ if [ $json -eq 0 ]; then
        "Xvfb $DISPLAY without a window manager"
 fi
 "$BIN/src/access_arbiter/hl_access_arbiter_dialog_benchmark" \
-  --appmgr "$BIN/tools/hl-appmgr/hl-appmgr" --program "$PWD/$BIN/src/access_arbiter/access_arbiter" "$@"
+  --appmgr "$BIN/tools/hl-appmgr/hl-appmgr" --settingsd "$BIN/tools/hl-settingsd/hl-settingsd" --program "$PWD/$BIN/src/access_arbiter/access_arbiter" "$@"

@@ -5,8 +5,9 @@
 namespace access_arbiter::bench {
 
 const char* const kBenchHelp =
-    "Usage: hl_access_arbiter_dialog_benchmark --appmgr PATH --program PATH [--zenity PATH|none]\n"
-    "           [--requests N] [--starts N] [--backends LIST] [--settle-ms MS] [--log FILE] [--json]\n"
+    "Usage: hl_access_arbiter_dialog_benchmark --appmgr PATH --program PATH [--settingsd PATH]\n"
+    "           [--zenity PATH|none] [--requests N] [--starts N] [--backends LIST] [--settle-ms MS] [--log "
+    "FILE] [--json]\n"
     "\n"
     "Measures the dialog on the X server of DISPLAY (start it without a window manager), with the\n"
     "program resident under hl-appmgr and the requests sent by the generated proxy of\n"
@@ -20,6 +21,8 @@ const char* const kBenchHelp =
     "\n"
     "  --appmgr PATH     hl-appmgr\n"
     "  --program PATH    access_arbiter\n"
+    "  --settingsd PATH  hl-settingsd, started once as the session's settings service (the program\n"
+    "                    reads its language there)\n"
     "  --zenity PATH     the one-shot dialog (default: zenity from PATH; none: leave it out)\n"
     "  --requests N      requests per backend after the first (default 200); as many zenity runs\n"
     "  --starts N        program starts per backend (default 30)\n"
@@ -29,7 +32,7 @@ const char* const kBenchHelp =
     "  --json            print the results as JSON instead of a Markdown table\n"
     "\n"
     "Exit codes: 0 measured (whether the targets are met is in the table); 1 usage error; 2 can't set\n"
-    "up (no X server or XTEST, the manager or the program doesn't start, no service); 3 a measurement\n"
+    "up (no X server or XTEST, a service, the manager or the program doesn't start); 3 a measurement\n"
     "failed (no window, a wrong answer, zenity not answering yes).\n";
 
 namespace {
@@ -78,6 +81,8 @@ ParsedBenchOptions ParseBenchOptions(const std::vector<std::string>& arguments) 
             options.appmgr = value;
         } else if (name == "--program") {
             options.program = value;
+        } else if (name == "--settingsd") {
+            options.settingsd = value;
         } else if (name == "--zenity") {
             options.zenity = value == "none" ? std::string() : value;
         } else if (name == "--requests") {

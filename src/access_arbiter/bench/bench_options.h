@@ -9,6 +9,7 @@ namespace access_arbiter::bench {
 struct BenchOptions {
     std::string appmgr;                             // hl-appmgr
     std::string program;                            // access_arbiter
+    std::string settingsd;                          // hl-settingsd; empty: none started
     std::string zenity = "zenity";                  // empty: no zenity rows
     int requests = 200;                             // measured requests per backend, after the first one
     int starts = 30;                                // program starts per backend

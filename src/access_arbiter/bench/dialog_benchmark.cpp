@@ -4,6 +4,7 @@
 #include "managed_program.h"
 #include "one_shot_dialog.h"
 #include "process_memory.h"
+#include "settings_service.h"
 
 #include <cstdlib>
 
@@ -53,6 +54,11 @@ int DialogBenchmark::Fail(int code, std::string error) {
 }
 
 int DialogBenchmark::Run(ResultTable& table) {
+    SettingsService settings(m_options.settingsd);
+    std::string error;
+    if (!m_options.settingsd.empty() && !settings.Start(milliseconds(30000), error)) {
+        return Fail(2, error);
+    }
     ZenitySeries zenity;
     bool zenityDone = m_options.zenity.empty();
     for (const std::string& backend : m_options.backends) {
