@@ -10,11 +10,13 @@ PACKAGES=(
   clang-14 libclang-rt-14-dev
   # libraries
   qt6-base-dev qt6-base-dev-tools qt6-declarative-dev qt6-declarative-dev-tools
-  qt6-wayland-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-qpa-plugins
+  qt6-wayland qt6-wayland-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-qpa-plugins
   qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
   qml6-module-qtquick-window qml6-module-qtquick-templates qml6-module-qtqml-workerscript
   qml6-module-qttest qml6-module-qtqml qml6-module-qtquick-shapes
   libfmt-dev libxkbcommon-dev libwayland-dev libgtest-dev libgmock-dev libbenchmark-dev
+  # the keyboard set-up reaches the Wayland connection through Qt's platform native interface
+  qt6-base-private-dev
   # hl-appmgr reports to systemd (sd_notify)
   libsystemd-dev
   # hl-settingsd: persistent stores in SQLite, the defaults file in JSON (JSON of hl-settings too)
@@ -23,6 +25,8 @@ PACKAGES=(
   fontconfig fonts-dejavu-core xvfb xauth librsvg2-bin
   # the headless session of run.sh: real X clicks (xdotool), a screenshot (xwd, convert)
   xdotool x11-apps imagemagick
+  # the Wayland session test: a real compositor (its X11 backend on Xvfb gives it a seat)
+  weston
   # the Python peer and the JSON checks of the tool tests
   python3
   # the dialog benchmark: X events and XTEST input (libxcb), the one-shot dialog it is measured against

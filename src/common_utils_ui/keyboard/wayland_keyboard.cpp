@@ -1,14 +1,11 @@
 #include "keyboard/wayland_keyboard.h"
 
-#include <QGuiApplication>
+#include <diagnostics/check.h>
 
 #include <wayland-client.h>
 
 #include <sys/mman.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <cstring>
 
 namespace vdi::common_utils_ui::xkb_helper {
 namespace {
@@ -16,23 +13,6 @@ namespace {
 WaylandKeyboard* Self(void* data) {
     return static_cast<WaylandKeyboard*>(data);
 }
-
-void HandleGlobal(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
-                  std::uint32_t version) {
-    Self(data)->OnGlobal(registry, name, interface, version);
-}
-
-void HandleGlobalRemove(void*, wl_registry*, std::uint32_t) {}
-
-const wl_registry_listener kRegistryListener{HandleGlobal, HandleGlobalRemove};
-
-void HandleCapabilities(void* data, wl_seat*, std::uint32_t capabilities) {
-    Self(data)->OnCapabilities(capabilities);
-}
-
-void HandleSeatName(void*, wl_seat*, const char*) {}
-
-const wl_seat_listener kSeatListener{HandleCapabilities, HandleSeatName};
 
 void HandleKeymap(void* data, wl_keyboard*, std::uint32_t format, int fd, std::uint32_t size) {
     Self(data)->OnKeymap(format, fd, size);
@@ -54,19 +34,8 @@ const wl_keyboard_listener kKeyboardListener{HandleKeymap, HandleEnter,     Hand
 
 }  // namespace
 
-WaylandKeyboard::WaylandKeyboard() {
-    if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
-        return;
-    }
-    m_display = wl_display_connect(nullptr);
-    if (m_display == nullptr) {
-        return;
-    }
-    m_registry = wl_display_get_registry(m_display);
-    wl_registry_add_listener(m_registry, &kRegistryListener, this);
-    // The first round trip announces the seat, the second its capabilities and keymap.
-    wl_display_roundtrip(m_display);
-    wl_display_roundtrip(m_display);
+WaylandKeyboard::WaylandKeyboard(std::shared_ptr<IToolkitWayland> toolkit) : m_toolkit(std::move(toolkit)) {
+    HCA_CHECK(m_toolkit != nullptr) << "Toolkit Wayland is nullptr";
 }
 
 WaylandKeyboard::~WaylandKeyboard() {
@@ -79,32 +48,70 @@ WaylandKeyboard::~WaylandKeyboard() {
     if (m_context != nullptr) {
         xkb_context_unref(m_context);
     }
+    // The display is the toolkit's: only what was made here is given back.
     if (m_keyboard != nullptr) {
-        wl_keyboard_destroy(m_keyboard);
+        if (wl_keyboard_get_version(m_keyboard) >= WL_KEYBOARD_RELEASE_SINCE_VERSION) {
+            wl_keyboard_release(m_keyboard);
+        } else {
+            wl_keyboard_destroy(m_keyboard);
+        }
+        wl_display_flush(m_display);
     }
-    if (m_seat != nullptr) {
-        wl_seat_destroy(m_seat);
-    }
-    if (m_registry != nullptr) {
-        wl_registry_destroy(m_registry);
-    }
-    if (m_display != nullptr) {
-        wl_display_disconnect(m_display);
+    if (m_queue != nullptr) {
+        wl_event_queue_destroy(m_queue);
     }
 }
 
+bool WaylandKeyboard::Attach() const {
+    if (m_keyboard != nullptr) {
+        return true;
+    }
+    wl_display* display = m_toolkit->Display();
+    wl_seat* seat = display == nullptr ? nullptr : m_toolkit->Seat();
+    if (seat == nullptr || wl_display_get_error(display) != 0) {
+        return false;
+    }
+    wl_event_queue* queue = wl_display_create_queue(display);
+    if (queue == nullptr) {
+        return false;
+    }
+    // A wrapper of the toolkit's seat bound to the private queue: the keyboard made through it
+    // delivers its events there, and the toolkit's own seat proxy is left untouched.
+    auto* seatOnQueue = static_cast<wl_seat*>(wl_proxy_create_wrapper(seat));
+    if (seatOnQueue == nullptr) {
+        wl_event_queue_destroy(queue);
+        return false;
+    }
+    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(seatOnQueue), queue);
+    wl_keyboard* keyboard = wl_seat_get_keyboard(seatOnQueue);
+    wl_proxy_wrapper_destroy(seatOnQueue);
+    if (keyboard == nullptr) {
+        wl_event_queue_destroy(queue);
+        return false;
+    }
+    // The object itself is never const: the keyboard is made lazily from const questions.
+    wl_keyboard_add_listener(keyboard, &kKeyboardListener, const_cast<WaylandKeyboard*>(this));
+    m_display = display;
+    m_queue = queue;
+    m_keyboard = keyboard;
+    // The compositor answers a new keyboard with its keymap, and with the modifiers when a surface
+    // of this client has the focus.
+    wl_display_roundtrip_queue(m_display, m_queue);
+    return true;
+}
+
 void WaylandKeyboard::Sync() const {
-    if (m_display != nullptr && wl_display_get_error(m_display) == 0) {
-        wl_display_roundtrip(m_display);
+    if (m_keyboard != nullptr && wl_display_get_error(m_display) == 0) {
+        wl_display_roundtrip_queue(m_display, m_queue);
     }
 }
 
 bool WaylandKeyboard::HasKeyboard() const {
-    Sync();
-    return m_keyboard != nullptr;
+    return Attach();
 }
 
 bool WaylandKeyboard::HasKeymapOrState() const {
+    Attach();
     Sync();
     return m_keymap != nullptr || m_state != nullptr;
 }
@@ -120,32 +127,15 @@ void WaylandKeyboard::BuildDefaultKeymap() {
 }
 
 xkb_state* WaylandKeyboard::State() const {
+    Attach();
+    Sync();
     return m_state;
 }
 
 std::uint32_t WaylandKeyboard::ModifierMask() const {
+    Attach();
     Sync();
     return m_modifierMask;
-}
-
-void WaylandKeyboard::OnGlobal(wl_registry* registry, std::uint32_t name, const char* interface,
-                               std::uint32_t version) {
-    if (m_seat == nullptr && std::strcmp(interface, wl_seat_interface.name) == 0) {
-        m_seat = static_cast<wl_seat*>(
-            wl_registry_bind(registry, name, &wl_seat_interface, std::min<std::uint32_t>(version, 4)));
-        wl_seat_add_listener(m_seat, &kSeatListener, this);
-    }
-}
-
-void WaylandKeyboard::OnCapabilities(std::uint32_t capabilities) {
-    const bool hasKeyboard = (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0;
-    if (hasKeyboard && m_keyboard == nullptr) {
-        m_keyboard = wl_seat_get_keyboard(m_seat);
-        wl_keyboard_add_listener(m_keyboard, &kKeyboardListener, this);
-    } else if (!hasKeyboard && m_keyboard != nullptr) {
-        wl_keyboard_destroy(m_keyboard);
-        m_keyboard = nullptr;
-    }
 }
 
 void WaylandKeyboard::OnKeymap(std::uint32_t format, int fd, std::uint32_t size) {

@@ -4,6 +4,7 @@
 #include <diagnostics/check.h>
 #include <diagnostics/log.h>
 
+#include "keyboard/toolkit_wayland.h"
 #include "keyboard/wayland_keyboard.h"
 
 #include <QGuiApplication>
@@ -95,7 +96,7 @@ bool XkbHelper::TryInitKeyboardInFocus() const {
 
 std::unique_ptr<IXkbHelper> CreateXkbHelper() {
     return std::make_unique<XkbHelper>(std::make_shared<xkb_api::XkbApi>(),
-                                       std::make_shared<WaylandKeyboard>());
+                                       std::make_shared<WaylandKeyboard>(std::make_shared<ToolkitWayland>()));
 }
 
 }  // namespace vdi::common_utils_ui::xkb_helper
