@@ -94,9 +94,9 @@ protected:
                      "HL_RUNTIME_DIR=" + m_dir + "/hl", "DISPLAY="};
         std::vector<std::string> program = m_session;
         program.push_back("WAYLAND_DEBUG=client");  // the program's protocol log, read below
-        m_manager = Spawn({HL_APPMGR_EXECUTABLE, "run", "--restart", "no", "--name", "AccessArbiter", "--",
-                           HL_ACCESS_ARBITER_EXECUTABLE},
-                          program, "session.log");
+        Spawn({HL_APPMGR_EXECUTABLE, "run", "--restart", "no", "--name", "AccessArbiter", "--",
+               HL_ACCESS_ARBITER_EXECUTABLE},
+              program, "session.log");
         ASSERT_TRUE(WaitFor(
             [&] {
                 return Log().find("AccessArbiter[") != std::string::npos &&
@@ -167,6 +167,15 @@ protected:
         return pid;
     }
 
+    // Waits up to `limit` for a child to end; an ended child is no longer stopped at tear-down.
+    bool Reap(pid_t pid, int& status, std::chrono::seconds limit) {
+        if (!WaitFor([&] { return waitpid(pid, &status, WNOHANG) == pid; }, limit)) {
+            return false;
+        }
+        std::erase(m_children, pid);
+        return true;
+    }
+
     std::string Log() const { return Read(m_dir + "/session.log"); }
 
     int Count(const std::regex& pattern) const {
@@ -179,7 +188,6 @@ protected:
     std::vector<std::string> m_x;
     std::vector<std::string> m_session;
     std::vector<pid_t> m_children;
-    pid_t m_manager = -1;
 };
 
 TEST_F(WestonSessionTest,
@@ -212,10 +220,11 @@ TEST_F(WestonSessionTest,
                                                                          << Log();
         ++shown;
         std::this_thread::sleep_for(500ms);  // the first frame
-        Spawn({"xdotool", "mousemove", std::to_string(click.x), "110", "click", "1"}, m_x, "xdotool.log");
         int status = -1;
-        ASSERT_TRUE(WaitFor([&] { return waitpid(asker, &status, WNOHANG) == asker; }, 60s))
-            << "the click did not answer hl-ask";
+        ASSERT_TRUE(Reap(
+            Spawn({"xdotool", "mousemove", std::to_string(click.x), "110", "click", "1"}, m_x, "xdotool.log"),
+            status, 30s));
+        ASSERT_TRUE(Reap(asker, status, 60s)) << "the click did not answer hl-ask";
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == click.exitCode) << "status " << status;
         EXPECT_EQ(Read(m_dir + "/ask-" + click.answer), std::string(click.answer) + "\n");
         EXPECT_NE(Log().find(click.decision), std::string::npos);
