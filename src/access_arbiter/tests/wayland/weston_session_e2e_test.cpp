@@ -1,6 +1,6 @@
 // The hosted session on a real Wayland compositor: weston (its X11 backend on a private Xvfb, which
-// gives the compositor a seat with a keyboard and a pointer), hl-appmgr starting the real program
-// with QT_QPA_PLATFORM=wayland, and hl-ask asking. The compositor maps the dialog and gives it the
+// gives the compositor a seat with a keyboard and a pointer), hl-settingsd, hl-appmgr starting the real
+// program with QT_QPA_PLATFORM=wayland, and hl-ask asking. The compositor maps the dialog and gives it the
 // keyboard focus; the keyboard set-up of that first focus runs on the program's own connection
 // (read from the program's Wayland protocol log); clicks reach the dialog through the compositor
 // (real X input events into weston's window, turned by weston into wl_pointer events) and decide.
@@ -92,6 +92,11 @@ protected:
         m_session = {"XDG_RUNTIME_DIR=" + m_dir,        std::string("WAYLAND_DISPLAY=") + kSocket,
                      "QT_QPA_PLATFORM=wayland",         "QT_QUICK_BACKEND=software",
                      "HL_RUNTIME_DIR=" + m_dir + "/hl", "DISPLAY="};
+        // The non-persistent settings service, from which the program reads its language.
+        Spawn({HL_SETTINGSD_EXECUTABLE, "hl.settings_manager.MSmgr"}, m_session, "settingsd.out");
+        ASSERT_TRUE(
+            WaitFor([&] { return Read(m_dir + "/settingsd.out").find("ready\n") != std::string::npos; }, 60s))
+            << Read(m_dir + "/settingsd.out");
         std::vector<std::string> program = m_session;
         program.push_back("WAYLAND_DEBUG=client");  // the program's protocol log, read below
         Spawn({HL_APPMGR_EXECUTABLE, "run", "--restart", "no", "--name", "AccessArbiter", "--",
