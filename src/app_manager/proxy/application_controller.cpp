@@ -22,79 +22,57 @@ ApplicationController::ApplicationController(GeneratedPtr proxy) : m_proxy(std::
     HCA_CHECK(m_proxy != nullptr) << "generated ApplicationController proxy is nullptr!";
 }
 
-std::int32_t ApplicationController::StartApplication(std::string_view appName) noexcept {
-    HL_LOG(hos::logger::LogLevel::Debug, "Proxy: ApplicationController::StartApplication {}", appName);
+template <typename Call, typename... EntryArgs>
+std::int32_t ApplicationController::Invoke(std::string_view failedName, Call&& call,
+                                           std::string_view entryFormat,
+                                           const EntryArgs&... entryArgs) noexcept {
+    HL_LOG(hos::logger::LogLevel::Debug, entryFormat, entryArgs...);
     int result = hca::result_code::kUnspecifiedError;
     try {
-        m_proxy->StartApplication(Bytes(appName), result);
+        std::forward<Call>(call)(result);
         return result;
     } catch (...) {
         const auto [code, message] = fdn::utils::ProcessException();
-        HL_LOG(hos::logger::LogLevel::Critical, "Failed to call StartApplication, {} with result: {}",
-               message, hcax::ResultCodeText(code));
+        HL_LOG(hos::logger::LogLevel::Critical, "Failed to call {}, {} with result: {}", failedName, message,
+               hcax::ResultCodeText(code));
         return code;
     }
+}
+
+std::int32_t ApplicationController::StartApplication(std::string_view appName) noexcept {
+    return Invoke(
+        "StartApplication", [&](int& result) { m_proxy->StartApplication(Bytes(appName), result); },
+        "Proxy: ApplicationController::StartApplication {}", appName);
 }
 
 std::int32_t ApplicationController::ReadyToInitialize(std::string_view appName) noexcept {
-    HL_LOG(hos::logger::LogLevel::Debug, "Proxy: ApplicationController::ReadyToInitialize {}", appName);
-    int result = hca::result_code::kUnspecifiedError;
-    try {
-        m_proxy->ReadyToInitialize(Bytes(appName), result);
-        return result;
-    } catch (...) {
-        const auto [code, message] = fdn::utils::ProcessException();
-        HL_LOG(hos::logger::LogLevel::Critical, "Failed to call ReadyToInitialize, {} with result: {}",
-               message, hcax::ResultCodeText(code));
-        return code;
-    }
+    return Invoke(
+        "ReadyToInitialize", [&](int& result) { m_proxy->ReadyToInitialize(Bytes(appName), result); },
+        "Proxy: ApplicationController::ReadyToInitialize {}", appName);
 }
 
 std::int32_t ApplicationController::ReadyToShowUI(std::string_view appName) noexcept {
-    HL_LOG(hos::logger::LogLevel::Debug, "Proxy: ApplicationController::ReadyToShowUI {}", appName);
-    int result = hca::result_code::kUnspecifiedError;
-    try {
-        m_proxy->ReadyToShowUI(Bytes(appName), result);
-        return result;
-    } catch (...) {
-        const auto [code, message] = fdn::utils::ProcessException();
-        // This failure text names another operation; it is kept as it stands.
-        HL_LOG(hos::logger::LogLevel::Critical, "Failed to call FinishWithInternalError, {} with result: {}",
-               message, hcax::ResultCodeText(code));
-        return code;
-    }
+    // The failure line names another operation; it is kept as it stands.
+    return Invoke(
+        "FinishWithInternalError", [&](int& result) { m_proxy->ReadyToShowUI(Bytes(appName), result); },
+        "Proxy: ApplicationController::ReadyToShowUI {}", appName);
 }
 
 std::int32_t ApplicationController::FinishWithInternalError(std::string_view appName, std::string_view error,
                                                             std::string_view details) noexcept {
-    HL_LOG(hos::logger::LogLevel::Debug,
-           "Proxy: ApplicationController::FinishWithInternalError, appName: {}, error: {} - {}", appName,
-           error, details);
-    int result = hca::result_code::kUnspecifiedError;
-    try {
-        m_proxy->FinishWithInternalError(Bytes(appName), Bytes(error), Bytes(details), result);
-        return result;
-    } catch (...) {
-        const auto [code, message] = fdn::utils::ProcessException();
-        HL_LOG(hos::logger::LogLevel::Critical, "Failed to call FinishWithInternalError, {} with result: {}",
-               message, hcax::ResultCodeText(code));
-        return code;
-    }
+    return Invoke(
+        "FinishWithInternalError",
+        [&](int& result) {
+            m_proxy->FinishWithInternalError(Bytes(appName), Bytes(error), Bytes(details), result);
+        },
+        "Proxy: ApplicationController::FinishWithInternalError, appName: {}, error: {} - {}", appName, error,
+        details);
 }
 
 std::int32_t ApplicationController::StateChanged(std::string_view appName, long state) noexcept {
-    HL_LOG(hos::logger::LogLevel::Debug, "Proxy: ApplicationController::StateChanged, appName: {}, state: {}",
-           appName, state);
-    int result = hca::result_code::kUnspecifiedError;
-    try {
-        m_proxy->StateChanged(Bytes(appName), state, result);
-        return result;
-    } catch (...) {
-        const auto [code, message] = fdn::utils::ProcessException();
-        HL_LOG(hos::logger::LogLevel::Critical, "Failed to call StateChanged, {} with result: {}", message,
-               hcax::ResultCodeText(code));
-        return code;
-    }
+    return Invoke(
+        "StateChanged", [&](int& result) { m_proxy->StateChanged(Bytes(appName), state, result); },
+        "Proxy: ApplicationController::StateChanged, appName: {}, state: {}", appName, state);
 }
 
 }  // namespace app_manager::proxy

@@ -31,6 +31,13 @@ public:
     std::int32_t StateChanged(std::string_view appName, long state) noexcept override;
 
 private:
+    // Logs entryFormat with entryArgs at level Debug, then runs call(result) against the generated
+    // proxy; an exception is logged as "Failed to call <failedName>, ..." at level Critical and returned
+    // as its code.
+    template <typename Call, typename... EntryArgs>
+    std::int32_t Invoke(std::string_view failedName, Call&& call, std::string_view entryFormat,
+                        const EntryArgs&... entryArgs) noexcept;
+
     GeneratedPtr m_proxy;
 };
 
