@@ -2,7 +2,7 @@
 if(HL_BUILD_TESTS)
   hl_add_executable(hl_app_manager_test_manager
     SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_manager.cpp"
-    DEPS hl_ipc_runtime hl_platform)
+    DEPS hl_ipc_runtime_test_server)
   target_sources(hl_app_manager_tests PRIVATE
     "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
 endif()

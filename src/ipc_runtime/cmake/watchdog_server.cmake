@@ -1,8 +1,13 @@
 # The ApplicationWatchdog server process, and the tests and benchmark that talk to it across processes.
 # They start it with the platform's test support (runtime directory and peer process).
+# The serving loop every test peer shares.
+hl_add_library(hl_ipc_runtime_test_server
+  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_server.cpp"
+  PUBLIC_DEPS hl_ipc_runtime hl_platform
+  INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/tests")
 hl_add_executable(hl_ipc_runtime_watchdog_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/watchdog_server.cpp"
-  DEPS hl_ipc_runtime)
+  DEPS hl_ipc_runtime_test_server)
 
 set(_hl_platform_test_support
   "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"

@@ -6,12 +6,11 @@
 // Prints "ready" once published. Exit status: 2 usage, 1 set-up failure.
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 #include <ipc_runtime/resource_provider.h>
-#include <platform/ipc_dispatcher/publish_services.h>
 #include <platform/platform.h>
+#include <peer/test_server.h>
 
 #include <unistd.h>
 
-#include <array>
 #include <cstdio>
 #include <stdexcept>
 #include <string>
@@ -52,42 +51,15 @@ int main(int argc, char** argv) {
     static const HosEndpointDesc endpoints[] = {{1, "hl.access_arbiter.AccessArbiter.accessArbiter",
                                                  "accessArbiter", "hl.access_arbiter.AccessArbiter"}};
     const HosComponentTree tree{"hl.vdi.AccessArbiter", endpoints, 1, nullptr, 0};
-    unsigned int registration = 0;
-    const unsigned int server = HosTaskSetComponentTree(HosTaskGetSelf(), &tree) == 0
-                                    ? ServiceLocatorRegister("accessArbiter_id", nullptr, 0, &registration)
-                                    : NK_INVALID_HANDLE;
-    if (server == NK_INVALID_HANDLE ||
-        shared::ipc_dispatcher::PublishServices(
-            {{"hl.access_arbiter.AccessArbiter.accessArbiter", "accessArbiter_id"}}) != 0) {
-        std::fprintf(stderr, "decision server: can't set up\n");
+    const unsigned int server =
+        hl_test::RegisterServer(tree, "accessArbiter_id", "hl.access_arbiter.AccessArbiter.accessArbiter");
+    if (server == NK_INVALID_HANDLE) {
         return 1;
     }
-    NkHosTransport transport{};
-    NkHosTransport_Init(&transport, server, nullptr, 0);
     ScriptedArbiter implementation(argv[1]);
     hosipc_detail::idl_traits::Stub<AccessArbiter> stub(
         &implementation,
         std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{}, 0,
                                                                   hosipc::api_v1::ApplicationSettings{}));
-    std::puts("ready");
-    std::fflush(stdout);
-    alignas(8) std::array<unsigned char, 256> requestBytes{};
-    alignas(8) std::array<unsigned char, 256> responseBytes{};
-    std::array<unsigned char, 1024> arenaBytes{};
-    auto* request = reinterpret_cast<nk_message*>(requestBytes.data());
-    auto* response = reinterpret_cast<nk_message*>(responseBytes.data());
-    for (;;) {
-        request->sizeFlags = nk_size_word(256, 0);
-        nk_arena requestArena{arenaBytes.data(), arenaBytes.data(), arenaBytes.data() + arenaBytes.size()};
-        if (transport.ops->receive(&transport, request, &requestArena) != 0) {
-            continue;
-        }
-        responseBytes.fill(0);
-        response->iid = request->iid;
-        response->mid = request->mid;
-        response->sizeFlags = nk_size_word(NK_MESSAGE_HEADER_SIZE, 0);
-        nk_arena responseArena{nullptr, nullptr, nullptr};
-        stub.DispatchRequest(1, request, &requestArena, response, &responseArena);
-        transport.ops->reply(&transport, response, &responseArena);
-    }
+    hl_test::ServeForever(server, {hl_test::Serve(1, stub)});
 }

@@ -23,10 +23,10 @@
 #include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
 #include <ipc_runtime/resource_provider.h>
 
-#include <platform/ipc_dispatcher/publish_services.h>
 #include <platform/platform.h>
 
-#include <array>
+#include "peer/test_server.h"
+
 #include <atomic>
 #include <cstdio>
 #include <iostream>
@@ -43,8 +43,6 @@ using Bytes = std::vector<unsigned char>;
 constexpr unsigned int kControllerRiid = 1;
 constexpr unsigned int kCommandsRiid = 2;
 constexpr unsigned int kWatchdogRiid = 3;
-constexpr std::size_t kMessageRoom = 512;
-constexpr std::size_t kArenaRoom = 2048;
 
 std::mutex g_outputLock;
 
@@ -145,14 +143,9 @@ int Serve(const char* serverName, bool publish, bool giveHandle, const std::stri
         {kWatchdogRiid, "app_manager.applicationWatchdog", "applicationWatchdog",
          "hl.app_manager.ApplicationWatchdog"}};
     const HosComponentTree tree{"hl.app_manager.ApplicationManager", endpoints, 3, nullptr, 0};
-    unsigned int registration = 0;
-    const unsigned int server = HosTaskSetComponentTree(HosTaskGetSelf(), &tree) == 0
-                                    ? ServiceLocatorRegister(serverName, nullptr, 0, &registration)
-                                    : NK_INVALID_HANDLE;
-    if (server == NK_INVALID_HANDLE ||
-        (publish && shared::ipc_dispatcher::PublishServices(
-                        {{"hl.app_manager.ApplicationManager.applicationManager", serverName}}) != 0)) {
-        std::fprintf(stderr, "test manager: can't set up %s\n", serverName);
+    const unsigned int server = hl_test::RegisterServer(
+        tree, serverName, publish ? "hl.app_manager.ApplicationManager.applicationManager" : nullptr);
+    if (server == NK_INVALID_HANDLE) {
         return 1;
     }
     unsigned int heldRegistration = 0;
@@ -161,9 +154,6 @@ int Serve(const char* serverName, bool publish, bool giveHandle, const std::stri
         std::fprintf(stderr, "test manager: can't hold %s\n", held.c_str());
         return 1;
     }
-    NkHosTransport transport{};
-    NkHosTransport_Init(&transport, server, nullptr, 0);
-
     const auto resources = std::make_shared<hosipc_detail::api_v1::ResourceProvider>(
         hosipc_detail::api_v1::MessageCapacity{}, 0, hosipc::api_v1::ApplicationSettings{});
     Controller controller;
@@ -174,40 +164,9 @@ int Serve(const char* serverName, bool publish, bool giveHandle, const std::stri
     hosipc_detail::idl_traits::Stub<idl::ApplicationWatchdog> watchdogStub(&watchdog, resources);
 
     std::thread(ReadCommands, std::ref(commands)).detach();
-    Print("ready");
-
-    alignas(8) std::array<unsigned char, kMessageRoom> requestBytes{};
-    alignas(8) std::array<unsigned char, kMessageRoom> responseBytes{};
-    std::array<unsigned char, kArenaRoom> arenaBytes{};
-    auto* request = reinterpret_cast<nk_message*>(requestBytes.data());
-    auto* response = reinterpret_cast<nk_message*>(responseBytes.data());
-    for (;;) {
-        request->sizeFlags = nk_size_word(kMessageRoom, 0);
-        nk_arena requestArena{arenaBytes.data(), arenaBytes.data(), arenaBytes.data() + arenaBytes.size()};
-        if (transport.ops->receive(&transport, request, &requestArena) != 0) {
-            continue;
-        }
-        responseBytes.fill(0);
-        response->iid = request->iid;
-        response->mid = request->mid;
-        response->sizeFlags = nk_size_word(NK_MESSAGE_HEADER_SIZE, 0);
-        nk_arena responseArena{nullptr, nullptr, nullptr};
-        switch (request->iid) {
-            case kControllerRiid:
-                controllerStub.DispatchRequest(request->iid, request, &requestArena, response,
-                                               &responseArena);
-                break;
-            case kCommandsRiid:
-                commandsStub.DispatchRequest(request->iid, request, &requestArena, response, &responseArena);
-                break;
-            case kWatchdogRiid:
-                watchdogStub.DispatchRequest(request->iid, request, &requestArena, response, &responseArena);
-                break;
-            default:
-                break;
-        }
-        transport.ops->reply(&transport, response, &responseArena);
-    }
+    hl_test::ServeForever(
+        server, {hl_test::Serve(kControllerRiid, controllerStub), hl_test::Serve(kCommandsRiid, commandsStub),
+                 hl_test::Serve(kWatchdogRiid, watchdogStub)});
 }
 
 }  // namespace

@@ -12,7 +12,8 @@
 
 #include <platform/platform.h>
 
-#include <array>
+#include "peer/test_server.h"
+
 #include <cstdio>
 #include <stdexcept>
 #include <string>
@@ -22,8 +23,6 @@ namespace {
 using hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog;
 
 constexpr unsigned int kRiid = 1;
-constexpr std::size_t kMessageRoom = 256;
-constexpr std::size_t kArenaRoom = 1024;
 
 class CountingWatchdog final : public ApplicationWatchdog {
 public:
@@ -35,51 +34,13 @@ public:
     }
 };
 
-int Serve(const char* serverName) {
-    static const HosEndpointDesc endpoints[] = {{kRiid, "app_manager.applicationWatchdog",
-                                                 "applicationWatchdog",
-                                                 "hl.app_manager.ApplicationWatchdog"}};
-    const HosComponentTree tree{"hl.app_manager.TestManager", endpoints, 1, nullptr, 0};
-    unsigned int registration = 0;
-    const unsigned int server = HosTaskSetComponentTree(HosTaskGetSelf(), &tree) == 0
-                                    ? ServiceLocatorRegister(serverName, nullptr, 0, &registration)
-                                    : NK_INVALID_HANDLE;
-    if (server == NK_INVALID_HANDLE) {
-        std::fprintf(stderr, "watchdog server: can't set up %s\n", serverName);
-        return 1;
-    }
-    NkHosTransport transport{};
-    NkHosTransport_Init(&transport, server, nullptr, 0);
-
+[[noreturn]] void Serve(unsigned int server) {
     CountingWatchdog implementation;
     hosipc_detail::idl_traits::Stub<ApplicationWatchdog> stub(
         &implementation,
         std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{}, 0,
                                                                   hosipc::api_v1::ApplicationSettings{}));
-
-    std::puts("ready");
-    std::fflush(stdout);
-
-    alignas(8) std::array<unsigned char, kMessageRoom> requestBytes{};
-    alignas(8) std::array<unsigned char, kMessageRoom> responseBytes{};
-    std::array<unsigned char, kArenaRoom> arenaBytes{};
-    auto* request = reinterpret_cast<nk_message*>(requestBytes.data());
-    auto* response = reinterpret_cast<nk_message*>(responseBytes.data());
-    for (;;) {
-        request->sizeFlags = nk_size_word(kMessageRoom, 0);
-        nk_arena requestArena{arenaBytes.data(), arenaBytes.data(), arenaBytes.data() + arenaBytes.size()};
-        if (transport.ops->receive(&transport, request, &requestArena) != 0) {
-            continue;
-        }
-        // What a request of an unknown method gets back: a bare header.
-        responseBytes.fill(0);
-        response->iid = request->iid;
-        response->mid = request->mid;
-        response->sizeFlags = nk_size_word(NK_MESSAGE_HEADER_SIZE, 0);
-        nk_arena responseArena{nullptr, nullptr, nullptr};
-        stub.DispatchRequest(kRiid, request, &requestArena, response, &responseArena);
-        transport.ops->reply(&transport, response, &responseArena);
-    }
+    hl_test::ServeForever(server, {hl_test::Serve(kRiid, stub)});
 }
 
 }  // namespace
@@ -89,5 +50,13 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s <server name>\n", argv[0]);
         return 2;
     }
-    return Serve(argv[1]);
+    static const HosEndpointDesc endpoints[] = {{kRiid, "app_manager.applicationWatchdog",
+                                                 "applicationWatchdog",
+                                                 "hl.app_manager.ApplicationWatchdog"}};
+    const HosComponentTree tree{"hl.app_manager.TestManager", endpoints, 1, nullptr, 0};
+    const unsigned int server = hl_test::RegisterServer(tree, argv[1], nullptr);
+    if (server == NK_INVALID_HANDLE) {
+        return 1;
+    }
+    Serve(server);
 }
