@@ -3,7 +3,6 @@
 if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
   hl_add_test(hl_access_arbiter_e2e_tests
     SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/process_start_e2e_test.cpp"
-            "${CMAKE_SOURCE_DIR}/src/app_manager/tests/support/manager_process.cpp"
             "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
             "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
     LABELS e2e

@@ -4,13 +4,14 @@ if(HL_BUILD_TESTS)
     SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_manager.cpp"
     DEPS hl_ipc_runtime_test_server)
   target_sources(hl_app_manager_tests PRIVATE
+    "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
     "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
 endif()
 
 # The notice thread's tests; labelled concurrency too, for the thread-sanitizer pass.
 hl_add_test(hl_app_manager_concurrency_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/concurrency/notice_thread_test.cpp"
-          "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/manager_process.cpp"
+          "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
           "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
   DEPS hl_app_manager
   LABELS integration concurrency)
