@@ -1,5 +1,4 @@
 #include <ipc_runtime/application.h>
-#include <ipc_runtime/default_string_exception_converter.h>
 #include <ipc_runtime/printf_log_message.h>
 #include <ipc_runtime/resource_provider.h>
 
@@ -15,12 +14,6 @@ using hosipc::api_v1::ApplicationSettings;
 using hosipc::api_v1::ILogger;
 using hosipc_detail::api_v1::MessageCapacity;
 using hosipc_detail::api_v1::ResourceProvider;
-
-class RecordingLogger final : public ILogger {
-public:
-    void Print(Verbosity, hosipc::api_v1::ILogMessage& message) override { text += message.Text(); }
-    std::string text;
-};
 
 TEST(ResourceProvider, AllNullSettingsGiveFourWorkingDefaults) {
     ResourceProvider provider(MessageCapacity{}, 0, ApplicationSettings{});
@@ -49,21 +42,6 @@ TEST(ResourceProvider, AllNullSettingsGiveFourWorkingDefaults) {
 
     hosipc::api_v1::EventLoopErrorDetails details{-1};
     EXPECT_EQ(provider.GetEventLoopErrorHandler()->OnCommunicationError(details), 0);
-}
-
-TEST(ResourceProvider, PresentSettingIsKeptAndOthersDefaulted) {
-    ApplicationSettings settings;
-    auto logger = std::make_shared<RecordingLogger>();
-    settings.logger = logger;
-    ResourceProvider provider(MessageCapacity{}, 7, settings);
-    EXPECT_EQ(provider.GetLogger(), logger);
-    EXPECT_NE(dynamic_cast<hosipc_detail::api_v1::DefaultStringExceptionConverter*>(
-                  provider.GetStringConverter().get()),
-              nullptr);
-    EXPECT_EQ(provider.GetReserved(), 7U);
-    hosipc_detail::api_v1::PrintfLogMessage<const char*> message("%s", "frame text");
-    provider.GetLogger()->Print(ILogger::kConnectionFailure, message);
-    EXPECT_EQ(logger->text, "frame text");
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-// Tests that the typed read helper returns the value or the default with the documented log line,
-// and that the known setting paths have their wire texts.
+// Tests that the typed read helper returns the value or the default with the documented log line.
 #include <settings_manager/setting_paths.h>
 #include <settings_manager/sm_utils.h>
 
@@ -62,15 +61,6 @@ TEST(GetSettingValue, ReturnsTheStringOrTheDefaultAndLogsWhy) {
             EXPECT_TRUE(records.empty());
         }
     }
-}
-
-TEST(SettingPaths, KnownPathsHaveTheirTexts) {
-    namespace p = settings_manager::paths;
-    EXPECT_EQ(settings_manager::PathToStr(p::kLocaleLanguage), "locale/language/");
-    EXPECT_EQ(settings_manager::PathToStr(p::kLocaleKeyboardDesiredLayout),
-              "locale/keyboard.desired.layout/");
-    EXPECT_EQ(settings_manager::PathToStr(p::kLocaleKeyboardLayouts), "locale/keyboard.layouts/");
-    EXPECT_EQ(settings_manager::PathToStr(p::kProfilesLocaleLanguage), "profiles/locale/language/");
 }
 
 }  // namespace

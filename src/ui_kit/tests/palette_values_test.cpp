@@ -7,10 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QMetaClassInfo>
-#include <QMetaProperty>
+#include <QVariant>
 
-#include <set>
 #include <string>
 
 namespace vdi::uikit::utils::style {
@@ -113,36 +111,6 @@ TEST(PaletteValues, BothPalettesMatchTheirTablesThroughPropertiesAndGetters) {
             EXPECT_EQ(gradient->property("stopPoint").toDouble(), 1.0) << row.property;
         }
     }
-}
-
-QByteArray ClassInfo(const QMetaObject& meta, const char* key) {
-    const int index = meta.indexOfClassInfo(key);
-    return index < 0 ? QByteArray() : QByteArray(meta.classInfo(index).value());
-}
-
-TEST(PaletteMetaObject, QmlSeesFortyTwoReadOnlyPropertiesAndAnUncreatableGradient) {
-    const QMetaObject& meta = IPalette::staticMetaObject;
-    std::set<std::string> names;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-        const QMetaProperty property = meta.property(i);
-        names.insert(property.name());
-        EXPECT_FALSE(property.isWritable()) << property.name();
-        EXPECT_EQ(QByteArray(property.notifySignal().name()), "ColorChanged") << property.name();
-    }
-    EXPECT_EQ(names.size(), 42u);
-    for (const auto& row : kColourTable) EXPECT_EQ(names.count(row.property), 1u) << row.property;
-    EXPECT_EQ(ClassInfo(meta, "QML.Element"), "anonymous");
-
-    const QMetaObject& gradient = Gradient::staticMetaObject;
-    EXPECT_EQ(gradient.propertyCount() - gradient.propertyOffset(), 4);
-    for (const char* name : {"startColor", "startPoint", "stopColor", "stopPoint"}) {
-        const QMetaProperty property = gradient.property(gradient.indexOfProperty(name));
-        EXPECT_FALSE(property.isWritable()) << name;
-        EXPECT_EQ(QByteArray(property.notifySignal().name()), "GradientChanged") << name;
-    }
-    EXPECT_EQ(ClassInfo(gradient, "QML.Element"), "auto");
-    EXPECT_EQ(ClassInfo(gradient, "QML.Creatable"), "false");
-    EXPECT_FALSE(ClassInfo(gradient, "QML.UncreatableReason").isEmpty());
 }
 
 }  // namespace
