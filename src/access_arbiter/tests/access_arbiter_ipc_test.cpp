@@ -5,9 +5,8 @@
 #include <access_arbiter/ipc/stub/access_arbiter.h>
 #include <access_arbiter/ipc/stub/access_arbiter_stub.h>
 #include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
-#include <diagnostics/check_failed_exception.h>
+#include <diagnostics/check_failure_text_for_testing.h>
 #include <diagnostics/log_capture_for_testing.h>
-#include <diagnostics/process_exception.h>
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
@@ -19,7 +18,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -27,6 +25,7 @@
 namespace access_arbiter {
 namespace {
 
+using hca::testing::CheckFailureTextForTesting;
 using ui::mode::UserDecision;
 
 class CountingWindow final : public windows::components::IWindow {
@@ -51,15 +50,6 @@ class ThrowingArbiter final : public IAccessArbiter {
 public:
     std::uint8_t GetUserDecision() override { throw std::runtime_error("the dialog is gone"); }
 };
-
-std::string CheckText(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const hca::CheckFailedException&) {
-        return fdn::utils::ProcessException().second;
-    }
-    return "(nothing thrown)";
-}
 
 // The client side as another component would have it: the registry's entry, then the proxy.
 auto ConnectToDecisionService() {
@@ -155,15 +145,22 @@ TEST_F(DecisionServiceTest, AFailingQueueAnswersDeclineAfterShowingTheWindow) {
 TEST_F(DecisionServiceTest, TheChainRefusesMissingPartsWithItsTexts) {
     auto window = std::make_shared<CountingWindow>();
     auto getter = std::make_shared<FailingGetter>();
-    EXPECT_NE(CheckText([&] { stub::AccessArbiter(nullptr, getter); }).find("AccessArbiterWindow is null!"),
+    EXPECT_NE(CheckFailureTextForTesting([&] {
+                  stub::AccessArbiter(nullptr, getter);
+              }).find("AccessArbiterWindow is null!"),
               std::string::npos);
-    EXPECT_NE(CheckText([&] { stub::AccessArbiter(window, nullptr); }).find("User decision getter is null!"),
+    EXPECT_NE(CheckFailureTextForTesting([&] {
+                  stub::AccessArbiter(window, nullptr);
+              }).find("User decision getter is null!"),
               std::string::npos);
-    EXPECT_NE(CheckText([] { stub::AccessArbiterStub(nullptr); }).find("Stub: AccessArbiter is null"),
+    EXPECT_NE(CheckFailureTextForTesting([] {
+                  stub::AccessArbiterStub(nullptr);
+              }).find("Stub: AccessArbiter is null"),
               std::string::npos);
-    EXPECT_NE(
-        CheckText([] { stub::CreateAccessArbiterComponent(nullptr); }).find("Stub: AccessArbiter is null"),
-        std::string::npos);
+    EXPECT_NE(CheckFailureTextForTesting([] {
+                  stub::CreateAccessArbiterComponent(nullptr);
+              }).find("Stub: AccessArbiter is null"),
+              std::string::npos);
 }
 
 }  // namespace

@@ -5,8 +5,7 @@
 #include <app_manager/create_application_manager.h>
 #include <app_manager/proxy/application_manager_proxy.h>
 
-#include <diagnostics/check_failed_exception.h>
-#include <diagnostics/process_exception.h>
+#include <diagnostics/check_failure_text_for_testing.h>
 #include <diagnostics/result_code.h>
 
 #include <gmock/gmock.h>
@@ -182,14 +181,7 @@ TEST_F(ApplicationManagerClient, FailedPingOrGetCommandEndsTheProcess) {
 }
 
 TEST(ApplicationManagerParts, ConstructorsCheckTheirArguments) {
-    auto message = [](const std::function<void()>& make) -> std::string {
-        try {
-            make();
-        } catch (const hca::CheckFailedException&) {
-            return fdn::utils::ProcessException().second;
-        }
-        return "no exception";
-    };
+    const auto message = [](auto make) { return hca::testing::CheckFailureTextForTesting(make); };
     EXPECT_THAT(message([] { app_manager::proxy::ApplicationManagerProxy(nullptr, nullptr, nullptr); }),
                 testing::HasSubstr("IApplicationControllerPtr is nullptr!"));
     EXPECT_THAT(message([] { app_manager::AppControllerStatus("", nullptr); }),

@@ -3,9 +3,8 @@
 #include <common_utils/app_utils/notice/notice_api.h>
 #include <common_utils/app_utils/notice/notice_factory.h>
 
-#include <diagnostics/check_failed_exception.h>
+#include <diagnostics/check_failure_text_for_testing.h>
 #include <diagnostics/log_capture_for_testing.h>
-#include <diagnostics/process_exception.h>
 #include <diagnostics/result_code.h>
 #include <platform/kn_channel.h>
 
@@ -100,14 +99,7 @@ public:
 };
 
 TEST(NoticeConstruction, NullApiAndFailedCreateThrowWithTheirTexts) {
-    auto message = [](const std::function<void()>& make) -> std::string {
-        try {
-            make();
-        } catch (const hca::CheckFailedException&) {
-            return fdn::utils::ProcessException().second;
-        }
-        return "no exception";
-    };
+    const auto message = [](auto make) { return hca::testing::CheckFailureTextForTesting(make); };
     EXPECT_THAT(message([] { Notice notice(nullptr); }), testing::HasSubstr("Notice api is nullptr"));
     EXPECT_THAT(message([] { common_utils::app_utils::notice::NoticeFactory factory(nullptr); }),
                 testing::HasSubstr("Notice api is nullptr"));

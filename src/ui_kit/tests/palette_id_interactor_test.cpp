@@ -1,7 +1,6 @@
-#include "support/check_failure_text.h"
-
 #include <ui_kit/style/i_palette_id_interactor.h>
 
+#include <diagnostics/check_failure_text_for_testing.h>
 #include <diagnostics/log_capture_for_testing.h>
 
 #include <gtest/gtest.h>
@@ -11,13 +10,13 @@
 namespace vdi::uikit::utils::style {
 namespace {
 
+using hca::testing::CheckFailureTextForTesting;
 using hos::logger::LogLevel;
-using vdi::uikit::testing::CheckFailureText;
 
 TEST(PaletteIdInteractor, WithoutCallbackGetThrowsUntilSetAndSetOnlyStoresAndLogs) {
     hos::logger::LogCaptureForTesting capture;
     const auto interactor = CreatePaletteIdInteractor();
-    EXPECT_EQ(CheckFailureText([&] { interactor->GetPaletteId(); }), "Palette id not set");
+    EXPECT_EQ(CheckFailureTextForTesting([&] { interactor->GetPaletteId(); }), "Palette id not set");
     interactor->UnregisterCallback();  // with none set: nothing happens
     interactor->SetPaletteId(static_cast<PaletteId>(0xFFFF));
     EXPECT_EQ(static_cast<int>(interactor->GetPaletteId()), 0xFFFF);
@@ -38,7 +37,7 @@ TEST(PaletteIdInteractor, OneCallbackSlotRunsOnEverySetEvenWithAnUnchangedId) {
         ++first;
         seen = interactor->GetPaletteId();
     });
-    EXPECT_EQ(CheckFailureText([&] { interactor->RegisterCallback([&] { ++second; }); }),
+    EXPECT_EQ(CheckFailureTextForTesting([&] { interactor->RegisterCallback([&] { ++second; }); }),
               "callback was already registered!");
     interactor->SetPaletteId(PaletteId::Dark);
     interactor->SetPaletteId(PaletteId::Dark);
@@ -51,7 +50,8 @@ TEST(PaletteIdInteractor, OneCallbackSlotRunsOnEverySetEvenWithAnUnchangedId) {
     interactor->UnregisterCallback();
     interactor->SetPaletteId(PaletteId::Dark);
     EXPECT_EQ(first, 3);
-    EXPECT_EQ(CheckFailureText([&] { interactor->RegisterCallback([&] { ++second; }); }), "<no exception>");
+    EXPECT_EQ(CheckFailureTextForTesting([&] { interactor->RegisterCallback([&] { ++second; }); }),
+              "<no exception>");
     interactor->SetPaletteId(PaletteId::Light);
     EXPECT_EQ(first, 3);
     EXPECT_EQ(second, 1);

@@ -1,9 +1,8 @@
-#include "support/check_failure_text.h"
-
 #include <ui_kit/style/i_palette_factory.h>
 #include <ui_kit/style/i_palette_id_interactor.h>
 #include <ui_kit/style/palette_provider.h>
 
+#include <diagnostics/check_failure_text_for_testing.h>
 #include <diagnostics/log_capture_for_testing.h>
 
 #include <gtest/gtest.h>
@@ -15,8 +14,8 @@
 namespace vdi::uikit::utils::style {
 namespace {
 
+using hca::testing::CheckFailureTextForTesting;
 using hos::logger::LogLevel;
-using vdi::uikit::testing::CheckFailureText;
 
 std::shared_ptr<IPaletteIdInteractor> InteractorWithId(int id) {
     auto interactor = CreatePaletteIdInteractor();
@@ -39,22 +38,24 @@ private:
 
 TEST(PaletteProvider, ConstructionFailsWithNamedReasonAndLeavesTheCallbackSlotFree) {
     hos::logger::LogCaptureForTesting capture;
-    EXPECT_EQ(CheckFailureText([&] { PaletteProvider(nullptr, nullptr); }), "PaletteFactory is nullptr");
-    EXPECT_EQ(CheckFailureText([&] { PaletteProvider(CreatePaletteFactory(), nullptr); }),
+    EXPECT_EQ(CheckFailureTextForTesting([&] { PaletteProvider(nullptr, nullptr); }),
+              "PaletteFactory is nullptr");
+    EXPECT_EQ(CheckFailureTextForTesting([&] { PaletteProvider(CreatePaletteFactory(), nullptr); }),
               "PaletteIdInteractor is nullptr");
-    EXPECT_EQ(CheckFailureText([&] { PaletteProvider(CreatePaletteFactory(), CreatePaletteIdInteractor()); }),
+    EXPECT_EQ(CheckFailureTextForTesting(
+                  [&] { PaletteProvider(CreatePaletteFactory(), CreatePaletteIdInteractor()); }),
               "Palette id not set");
     const auto unknown = InteractorWithId(3);
-    EXPECT_EQ(CheckFailureText([&] { PaletteProvider(CreatePaletteFactory(), unknown); }),
+    EXPECT_EQ(CheckFailureTextForTesting([&] { PaletteProvider(CreatePaletteFactory(), unknown); }),
               "Failed to create initial palette");
-    EXPECT_EQ(CheckFailureText([&] { unknown->RegisterCallback([] {}); }), "<no exception>");
+    EXPECT_EQ(CheckFailureTextForTesting([&] { unknown->RegisterCallback([] {}); }), "<no exception>");
 }
 
 TEST(PaletteProvider, SignalsOnlyWhenTheIdNamesAnotherKnownPalette) {
     hos::logger::LogCaptureForTesting capture;
     const auto interactor = InteractorWithId(2);
     const auto provider = CreatePaletteProvider(CreatePaletteFactory(), interactor);
-    EXPECT_EQ(CheckFailureText([&] { interactor->RegisterCallback([] {}); }),
+    EXPECT_EQ(CheckFailureTextForTesting([&] { interactor->RegisterCallback([] {}); }),
               "callback was already registered!");
     QSignalSpy spy(provider.get(), &PaletteProvider::PaletteChanged);
     IPalette* const dark = provider->Palette();
@@ -112,7 +113,7 @@ TEST(PaletteProvider, DestructionFreesTheCallbackSlotAndReleasesTheFactory) {
     }
     EXPECT_TRUE(factory.expired());
     EXPECT_NO_THROW(interactor->SetPaletteId(PaletteId::Light));
-    EXPECT_EQ(CheckFailureText([&] { interactor->RegisterCallback([] {}); }), "<no exception>");
+    EXPECT_EQ(CheckFailureTextForTesting([&] { interactor->RegisterCallback([] {}); }), "<no exception>");
 }
 
 }  // namespace

@@ -2,8 +2,7 @@
 // most one pending signal however often it is notified while a Ping is slow.
 #include <common_utils/app_utils/watchdog/application_watchdog.h>
 
-#include <diagnostics/check_failed_exception.h>
-#include <diagnostics/process_exception.h>
+#include <diagnostics/check_failure_text_for_testing.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -93,13 +92,8 @@ private:
 
 TEST(WatchdogWorker, FactoryChecksTheManagerAndItsWatchdog) {
     using common_utils::app_utils::watchdog::CreateWatchdog;
-    auto message = [](const std::shared_ptr<app_manager::IApplicationManager>& manager) -> std::string {
-        try {
-            CreateWatchdog("app", manager);
-        } catch (const hca::CheckFailedException&) {
-            return fdn::utils::ProcessException().second;
-        }
-        return "no exception";
+    const auto message = [](const std::shared_ptr<app_manager::IApplicationManager>& manager) {
+        return hca::testing::CheckFailureTextForTesting([&] { CreateWatchdog("app", manager); });
     };
     EXPECT_THAT(message(nullptr), testing::HasSubstr("ApplicationManager is null"));
     EXPECT_THAT(message(std::make_shared<Manager>(nullptr)),
