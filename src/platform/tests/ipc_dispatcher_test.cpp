@@ -29,7 +29,7 @@ using shared::ipc_utils::FindConnectionTargetForType;
 TEST(IpcDispatcherTest, ServicePublishedByAServerProcessIsFoundAndReachableByItsServer) {
     testing::ScopedRuntimeDirectory directory;
     const std::string type = std::string(test_peer::kEchoInterfaceType) + ".echo";
-    const auto peer = testing::PeerProcess::Start({HL_PLATFORM_PUBLISHING_PEER, "publisher_id", type});
+    const auto peer = testing::PeerProcess::Start({HL_PLATFORM_TEST_PEER, "publish", "publisher_id", type});
     ASSERT_NE(peer, nullptr) << "the publishing peer did not come up";
 
     const auto target = FindConnectionTargetForType(type.c_str(), NK_TIMEOUT_INFINITE);
