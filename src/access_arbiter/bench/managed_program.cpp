@@ -1,17 +1,13 @@
 #include "managed_program.h"
 
-#include <fcntl.h>
+#include "child_process.h"
+
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <ctime>
-#include <vector>
-
-extern char** environ;
 
 namespace access_arbiter::bench {
 
@@ -40,31 +36,12 @@ ManagedProgram::~ManagedProgram() {
 }
 
 bool ManagedProgram::Start(std::string& error) {
-    int pipeEnds[2];
-    if (::pipe2(pipeEnds, O_CLOEXEC) != 0) {
-        error = std::string("pipe: ") + std::strerror(errno);
+    int readEnd = -1;
+    if (!SpawnChild(m_appmgr, {"hl-appmgr", "run", "--name", m_name, "--restart", "no", "--", m_program},
+                    ChildOutput::kStdoutAndStderr, m_manager, readEnd, error)) {
         return false;
     }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipeEnds[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, pipeEnds[1], 2);
-    std::vector<std::string> text{"hl-appmgr", "run", "--name", m_name, "--restart", "no", "--", m_program};
-    std::vector<char*> argv;
-    for (std::string& part : text) {
-        argv.push_back(part.data());
-    }
-    argv.push_back(nullptr);
-    const int spawned = ::posix_spawn(&m_manager, m_appmgr.c_str(), &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(pipeEnds[1]);
-    if (spawned != 0) {
-        ::close(pipeEnds[0]);
-        m_manager = 0;
-        error = "can't start " + m_appmgr + ": " + std::strerror(spawned);
-        return false;
-    }
-    m_reader = std::thread([this, descriptor = pipeEnds[0]] { ReadLines(descriptor); });
+    m_reader = std::thread([this, descriptor = readEnd] { ReadLines(descriptor); });
     return true;
 }
 

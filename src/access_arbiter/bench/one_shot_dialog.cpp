@@ -1,14 +1,9 @@
 #include "one_shot_dialog.h"
 
-#include <fcntl.h>
+#include "child_process.h"
+
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
-
-#include <cstring>
-#include <vector>
-
-extern char** environ;
 
 namespace access_arbiter::bench {
 
@@ -22,26 +17,11 @@ OneShotDialog::~OneShotDialog() {
 }
 
 bool OneShotDialog::Start(std::string& error) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    std::vector<std::string> text{"zenity",  "--question",
-                                  "--title", "Connection request",
-                                  "--text",  "A user requests access to manage your device"};
-    std::vector<char*> argv;
-    for (std::string& part : text) {
-        argv.push_back(part.data());
-    }
-    argv.push_back(nullptr);
-    const int spawned = ::posix_spawnp(&m_pid, m_zenity.c_str(), &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) {
-        m_pid = 0;
-        error = "can't start " + m_zenity + ": " + std::strerror(spawned);
-        return false;
-    }
-    return true;
+    int unused = -1;
+    return SpawnChild(m_zenity,
+                      {"zenity", "--question", "--title", "Connection request", "--text",
+                       "A user requests access to manage your device"},
+                      ChildOutput::kNone, m_pid, unused, error);
 }
 
 std::optional<int> OneShotDialog::WaitExit() {
