@@ -78,6 +78,8 @@ grep -qE "AccessArbiter\[$pid\]: stopping \(SIGTERM\)" "$WORK/log" || fail "no s
 # A normal stop: the signal ends the event loop, the program reports and exits 0 by itself.
 grep -qE "AccessArbiter\[$pid\]: exited with status 0 \(stopped\)" "$WORK/log" || fail "no normal stop"
 grep -q "AccessArbiter stopped with code 0" "$WORK/log" || fail "the program did not log its stop"
+# The dialog's document outlives the view it binds to; the teardown must not trip a script error.
+! grep -q "TypeError" "$WORK/log" || fail "a script error in the log: $(grep "TypeError" "$WORK/log")"
 kill -0 "$pid" 2>/dev/null && fail "the program outlived the manager"
 
 # Every call the manager recorded from the program, in order, and the spacing of its Pings.

@@ -14,7 +14,8 @@ Window {
     title: "AccessArbiter"
     width: 320
     height: 156
-    visible: accessArbiterView.isVisible
+    // The view dies before the engine: the binding then reads a null context property and hides.
+    visible: accessArbiterView ? accessArbiterView.isVisible : false
     color: "transparent"
 
     Rectangle {
