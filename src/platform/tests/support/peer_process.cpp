@@ -41,7 +41,9 @@ std::unique_ptr<PeerProcess> PeerProcess::Start(std::vector<std::string> argumen
     if (peer->m_pid < 0 || !peer->WaitForLine("ready", std::chrono::seconds(20))) {
         return nullptr;
     }
-    peer->m_lines.clear();
+    // Lines that came in the same read as "ready" are the peer's first words after it: kept.
+    peer->m_lines.erase(peer->m_lines.begin(),
+                        peer->m_lines.begin() + static_cast<std::ptrdiff_t>(peer->m_next));
     peer->m_next = 0;
     return peer;
 }
