@@ -1,16 +1,15 @@
-// The decision service from the wire inward: the published service reached by the generated proxy
-// over the hosted platform, the server-failure answer, and the checks of the chain's classes.
+// The decision service from the wire inward: a throwing implementation reached by the generated proxy
+// over the hosted platform answers a server failure, a failing queue a decline, and the chain's classes
+// check their parts. Decisions travelling to callers are the end-to-end tests' part.
 #include <access_arbiter/interactors/user_decision_interactor.h>
 #include <access_arbiter/ipc/create_dispatcher.h>
 #include <access_arbiter/ipc/stub/access_arbiter.h>
 #include <access_arbiter/ipc/stub/access_arbiter_stub.h>
 #include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
 #include <diagnostics/check_failure_text_for_testing.h>
-#include <diagnostics/log_capture_for_testing.h>
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
-#include <platform/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -84,24 +83,6 @@ protected:
     std::string m_runtimeDir;
 };
 
-TEST_F(DecisionServiceTest, QueuedDecisionsTravelAsTheirByteAndEachRequestShowsTheWindow) {
-    auto window = std::make_shared<CountingWindow>();
-    auto interactor = std::make_shared<interactors::UserDecisionInteractor>();
-    auto component =
-        stub::CreateAccessArbiterComponent(std::make_shared<stub::AccessArbiter>(window, interactor));
-    auto facade = CreateDispatcher(component->GetComponentDispatcher());
-    ASSERT_NE(facade, nullptr);
-    auto proxy = ConnectToDecisionService();
-    for (const auto& [decision, byte] :
-         {std::pair{UserDecision::Approve, 1}, std::pair{UserDecision::Decline, 0}}) {
-        interactor->SetUserDecision(decision);
-        unsigned char answer = 0xEE;
-        proxy->GetUserDecision(answer);
-        EXPECT_EQ(answer, byte);
-    }
-    EXPECT_EQ(window->shows, 2);
-}
-
 TEST_F(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNextCallerIsServed) {
     auto component = stub::CreateAccessArbiterComponent(std::make_shared<ThrowingArbiter>());
     auto facade = CreateDispatcher(component->GetComponentDispatcher());
@@ -116,23 +97,6 @@ TEST_F(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNe
             EXPECT_STREQ(error.what(), "hl_access_arbiter_AccessArbiter_GetUserDecision server error");
         }
     }
-}
-
-TEST_F(DecisionServiceTest, AServerNameHeldByAnotherServerGivesNoFacadeAndACriticalLine) {
-    unsigned int id = 0;
-    const unsigned int held = ServiceLocatorRegister("accessArbiter_id", nullptr, 0, &id);
-    ASSERT_NE(held, NK_INVALID_HANDLE);
-    hos::logger::LogCaptureForTesting capture;
-    auto component = stub::CreateAccessArbiterComponent(std::make_shared<ThrowingArbiter>());
-    EXPECT_EQ(CreateDispatcher(component->GetComponentDispatcher()), nullptr);
-    bool critical = false;
-    for (const auto& record : capture.Records()) {
-        critical = critical || (record.level == hos::logger::LogLevel::Critical &&
-                                record.message == "Failed to get handle!");
-    }
-    EXPECT_TRUE(critical);
-    KnHandleClose(held);
-    ServiceLocatorUnregister(id);
 }
 
 TEST_F(DecisionServiceTest, AFailingQueueAnswersDeclineAfterShowingTheWindow) {

@@ -4,6 +4,7 @@
 // pixels, compared with the reference image of each language, and the program's own log lines say
 // which catalogue it installed and why.
 #include "support/hosted_session.h"
+#include "tests/support/differing_share.h"
 
 #include <gtest/gtest.h>
 
@@ -23,28 +24,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using access_arbiter::e2e::HostedSession;
+using access_arbiter::testing::DifferingShare;
 
 constexpr const char* kService = "hl.settings_manager.MSmgr";
 constexpr const char* kLanguages[] = {"en-US", "ru-RU"};
-
-// Share of pixels of which one channel is off by more than 48; 1 when the sizes differ.
-double DifferingShare(const QImage& actualImage, const QImage& expectedImage) {
-    const QImage actual = actualImage.convertToFormat(QImage::Format_ARGB32);
-    const QImage expected = expectedImage.convertToFormat(QImage::Format_ARGB32);
-    if (actual.size() != expected.size()) {
-        return 1.0;
-    }
-    qint64 differing = 0;
-    for (int y = 0; y < actual.height(); ++y) {
-        for (int x = 0; x < actual.width(); ++x) {
-            const QRgb a = actual.pixel(x, y);
-            const QRgb e = expected.pixel(x, y);
-            differing += std::max({std::abs(qRed(a) - qRed(e)), std::abs(qGreen(a) - qGreen(e)),
-                                   std::abs(qBlue(a) - qBlue(e))}) > 48;
-        }
-    }
-    return static_cast<double>(differing) / (static_cast<double>(actual.width()) * actual.height());
-}
 
 class Language : public testing::Test {
 protected:
@@ -68,7 +51,7 @@ protected:
             const QImage reference(QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/tests/visual/reference/"
                                                                 "dialog-%1.png")
                                        .arg(QLatin1String(language)));
-            if (!actual.isNull() && DifferingShare(actual, reference) <= 0.005) {
+            if (!actual.isNull() && DifferingShare(actual, reference, false) <= 0.005) {
                 shown = language;
             }
         }

@@ -10,6 +10,7 @@
 #include <platform/platform.h>
 
 #include "support/peer_process.h"
+#include "tests/support/differing_share.h"
 
 #include <gtest/gtest.h>
 
@@ -35,6 +36,7 @@ extern char** environ;
 namespace {
 
 using namespace std::chrono_literals;
+using access_arbiter::testing::DifferingShare;
 using Interface = hosipc::idl::stdcpp_v1::hl::access_arbiter::AccessArbiter;
 
 constexpr const char* kServiceType = "hl.access_arbiter.AccessArbiter.accessArbiter";
@@ -56,23 +58,6 @@ std::string Shell(const std::string& command) {
         output.pop_back();
     }
     return output;
-}
-
-// Share of pixels of which one channel is off by more than 48; 1 when the sizes differ.
-double DifferingShare(const QImage& actual, const QImage& expected) {
-    if (actual.size() != expected.size()) {
-        return 1.0;
-    }
-    qint64 differing = 0;
-    for (int y = 0; y < actual.height(); ++y) {
-        for (int x = 0; x < actual.width(); ++x) {
-            const QRgb a = actual.pixel(x, y);
-            const QRgb e = expected.pixel(x, y);
-            differing += std::max({std::abs(qRed(a) - qRed(e)), std::abs(qGreen(a) - qGreen(e)),
-                                   std::abs(qBlue(a) - qBlue(e))}) > 48;
-        }
-    }
-    return static_cast<double>(differing) / (static_cast<double>(actual.width()) * actual.height());
 }
 
 class ShownWindowTest : public ::testing::Test {
@@ -181,8 +166,7 @@ TEST_F(ShownWindowTest, ThePersonReadsTheTranslatedDialogAndTheirClickIsTheByteT
         const QImage expectedImage(
             QStringLiteral(HL_SOURCE_DIR "/src/access_arbiter/tests/visual/reference/dialog-ru-RU.png"));
         ASSERT_FALSE(actual.isNull()) << "no screenshot of window " << window;
-        const double share = DifferingShare(actual.convertToFormat(QImage::Format_ARGB32),
-                                            expectedImage.convertToFormat(QImage::Format_ARGB32));
+        const double share = DifferingShare(actual, expectedImage, false);
         if (share > 0.005) {  // at most half a percent of the pixels may differ
             const std::string kept = HL_BINARY_DIR "/visual-failures/shown-window.png";
             std::filesystem::create_directories(HL_BINARY_DIR "/visual-failures");
