@@ -1,4 +1,6 @@
-// The manager's clients against the test manager in a process of its own, over the hosted platform.
+// The manager's clients against the test manager in a process of its own, over the hosted platform:
+// the failures of each call and of the connection. The normal lifecycle and a missing manager are
+// the end-to-end tests' part, with the real program.
 #include "support/manager_fixture.h"
 
 #include <app_manager/app_controller_status.h>
@@ -27,45 +29,6 @@ using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
 class ApplicationManagerClient : public ManagerFixture {};
-
-TEST_F(ApplicationManagerClient, NormalLifeReachesTheManagerInOrderAndShutdownIsStateChangedMinusTwoOnly) {
-    StartManager();
-    auto manager = app_manager::CreateApplicationManager("AccessArbiter");
-    ASSERT_NE(manager, nullptr);
-    // The lookup's service differs from every channel's name; the channels still connect by theirs.
-    EXPECT_TRUE(
-        m_log.Contains("Connection target for ApplicationManager is: server = hl.test.app_manager, "
-                       "service = hl.app_manager.ApplicationManager.applicationManager"));
-
-    auto status =
-        app_manager::CreateApplicationStatusSPtr("AccessArbiter", manager->GetApplicationController());
-    EXPECT_EQ(status->ReadyToInitialize(), 0);
-    EXPECT_EQ(status->ReadyToShowUI(), 0);
-    EXPECT_EQ(manager->GetApplicationWatchdog()->Ping("AccessArbiter"), 13);
-    ASSERT_TRUE(m_manager->WaitForLine("Ping AccessArbiter", 5s));
-    m_manager->Lines(300ms);
-    const std::size_t before = m_manager->Lines(0ms).size();
-    EXPECT_EQ(status->ReadyToShutdown(), 0);
-    EXPECT_EQ(status->FinishWithInternalError("Failed to start AccessArbiter", "details"), 0);
-
-    const Lines lines = m_manager->Lines(300ms);
-    EXPECT_EQ(lines,
-              (Lines{"GetUpdateHandle AccessArbiter", "ReadyToInitialize AccessArbiter",
-                     "ReadyToShowUI AccessArbiter", "Ping AccessArbiter", "StateChanged AccessArbiter -2",
-                     "FinishWithInternalError AccessArbiter|Failed to start AccessArbiter|details"}));
-    EXPECT_EQ(lines.size(), before + 2);
-}
-
-TEST_F(ApplicationManagerClient, NoPublishedManagerGivesNullAndTheCriticalLine) {
-    StartManager({"--no-publish"});
-    EXPECT_EQ(app_manager::CreateApplicationManager("AccessArbiter"), nullptr);
-    EXPECT_TRUE(m_log.Contains("Cannot create application manager proxy, "));
-    EXPECT_TRUE(
-        m_log.Contains("Connection target for ApplicationManager not found. Interface: "
-                       "hl.app_manager.ApplicationManager.applicationManager"));
-    EXPECT_TRUE(m_log.Contains(" with result: " + std::to_string(hca::result_code::kUnspecifiedError)));
-    EXPECT_TRUE(m_manager->Lines(200ms).empty());
-}
 
 TEST_F(ApplicationManagerClient, PublishedManagerThatIsGoneGivesNullAfterTheConnectFailure) {
     StartManager();
