@@ -1,10 +1,8 @@
-// Handles travelling in messages between this process and a peer, and notices on them.
+// Handles travelling in messages between this process and a peer, and notices on them. A wait that
+// runs out or is dropped and woken is common_utils' notice tests' part.
 #include <gtest/gtest.h>
 
 #include <sys/socket.h>
-
-#include <future>
-#include <thread>
 
 #include <platform/platform.h>
 
@@ -126,23 +124,6 @@ TEST_F(HandlePassingTest, ClosedBitIsThePlatformsOwnAndAPeerCannotRaiseIt) {
     m_other = NK_INVALID_HANDLE;
     EXPECT_EQ(WaitOne().mask, KN_NOTICE_EVENT_CLOSED);
     KnHandleClose(handle);
-}
-
-TEST_F(HandlePassingTest, WaitRunsOutWithNothingRaisedAndDropAndWakeEndsEveryWait) {
-    EventDesc event{};
-    unsigned long count = 0;
-    EXPECT_EQ(KnNoticeGetEvent(m_notice, 50, 1, &event, &count), NK_ETIMEOUT);
-    EXPECT_EQ(KnNoticeGetEvent(m_notice, 0, 1, &event, &count), NK_ETIMEOUT);
-    auto waiter = std::async(std::launch::async, [this] {
-        EventDesc woken{};
-        unsigned long wokenCount = 0;
-        return KnNoticeGetEvent(m_notice, NK_TIMEOUT_INFINITE, 1, &woken, &wokenCount);
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ASSERT_EQ(KnNoticeDropAndWake(m_notice), 0);
-    ASSERT_EQ(waiter.wait_for(std::chrono::seconds(10)), std::future_status::ready);
-    EXPECT_EQ(waiter.get(), NK_ENOTFOUND);
-    EXPECT_EQ(KnNoticeGetEvent(m_notice, NK_TIMEOUT_INFINITE, 1, &event, &count), NK_ENOTFOUND);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-// The dispatcher and lookup libraries: publish and find across processes, the connection manager's
-// stop, worker and log, and the facade's start and teardown order.
+// The dispatcher and lookup libraries: lookups that find nothing, the connection manager's stop,
+// worker and log, and the facade's start and teardown order. Publishing a service and finding it from
+// another process is what every end-to-end test of the decision service does first.
 #include <gtest/gtest.h>
 
 #include <mutex>
@@ -14,8 +15,6 @@
 #include <platform/ipc_utils/find_connection_target_for_type.h>
 #include <platform/platform.h>
 
-#include "peer/test_peer_protocol.h"
-#include "support/peer_process.h"
 #include "support/scoped_runtime_directory.h"
 #include "support/test_call.h"
 
@@ -25,32 +24,6 @@ namespace {
 using namespace std::chrono_literals;
 using hos::ipc::ConnectionManager;
 using shared::ipc_utils::FindConnectionTargetForType;
-
-TEST(IpcDispatcherTest, ServicePublishedByAServerProcessIsFoundAndReachableByItsServer) {
-    testing::ScopedRuntimeDirectory directory;
-    const std::string type = std::string(test_peer::kEchoInterfaceType) + ".echo";
-    const auto peer = testing::PeerProcess::Start({HL_PLATFORM_TEST_PEER, "publish", "publisher_id", type});
-    ASSERT_NE(peer, nullptr) << "the publishing peer did not come up";
-
-    const auto target = FindConnectionTargetForType(type.c_str(), NK_TIMEOUT_INFINITE);
-    ASSERT_TRUE(target.found);
-    EXPECT_STREQ(target.server, "publisher_id");
-    EXPECT_EQ(target.service, type);
-
-    unsigned int handle = NK_INVALID_HANDLE;
-    unsigned int riid = NK_INVALID_RIID;
-    ASSERT_EQ(KnCmConnect(target.server, target.service, 5000, &handle, &riid), 0);
-    EXPECT_EQ(riid, test_peer::kEchoRiid);
-    NkHosTransport transport;
-    NkHosTransport_Init(&transport, handle, 0, 0);
-    NkHosSetTransportTimeouts(&transport, NK_TIMEOUT_INFINITE, 20000);
-    testing::TestRequest request;
-    request.fields = testing::U32Bytes(0xC0FFEE);
-    const auto response = testing::CallThrough(transport, request);
-    EXPECT_EQ(response.rc, 0);
-    EXPECT_EQ(response.U32At(24), 0xC0FFEEu);
-    KnHandleClose(handle);
-}
 
 TEST(IpcDispatcherTest, LookupOfAnUnpublishedOrInvalidTypeAnswersNotFound) {
     testing::ScopedRuntimeDirectory directory;

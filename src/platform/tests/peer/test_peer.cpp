@@ -1,9 +1,6 @@
 // A peer process for the platform's integration tests. Each mode prints "ready" once it runs.
 //   hl_platform_test_peer serve NAME           registers NAME and serves the methods of
 //                                              test_peer_protocol.h until killed
-//   hl_platform_test_peer publish NAME TYPE    the same, coming up the way a component does: the
-//                                              channel handed to a connection manager, TYPE
-//                                              published with PublishServices
 //   hl_platform_test_peer serve-refusing NAME  a server below the platform: answers a handshake
 //                                              with riid 1 and every request with a Refused frame
 //                                              of sequence 0, as for a frame it could not read
@@ -24,8 +21,6 @@
 #include <thread>
 #include <vector>
 
-#include <platform/ipc_dispatcher/create_ipc_connection_manager.h>
-#include <platform/ipc_dispatcher/publish_services.h>
 #include <platform/platform.h>
 
 #include "peer/test_peer_protocol.h"
@@ -115,7 +110,7 @@ void Serve(nk_message* in, nk_arena& requestArena, unsigned char* out, nk_arena&
     }
 }
 
-int RunServer(const char* name, const char* publishedType) {
+int RunServer(const char* name) {
     unsigned int id = 0;
     const bool taskReady =
         SetTree() == 0 && HosTaskConnectToService(HosTaskGetSelf(), HosTaskGetSelf(), name) == 0;
@@ -124,16 +119,6 @@ int RunServer(const char* name, const char* publishedType) {
     if (handle == NK_INVALID_HANDLE) {
         std::fprintf(stderr, "peer: cannot set up the task or register %s\n", name);
         return 2;
-    }
-    hos::ipc::ConnectionManager::Config config;
-    config.handles[kEchoRiid] = handle;
-    const auto manager =
-        publishedType != nullptr ? shared::ipc_dispatcher::CreateIpcConnectionManager(config) : nullptr;
-    if (publishedType != nullptr) {
-        if (shared::ipc_dispatcher::PublishServices({{publishedType, name}}) != 0) {
-            return 3;
-        }
-        ServiceLocatorUnregister(id);
     }
     NkHosTransport transport;
     NkHosTransport_Init(&transport, handle, 0, 0);
@@ -249,10 +234,7 @@ int RunFlood(const char* name) {
 
 int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], "serve") == 0) {
-        return RunServer(argv[2], nullptr);
-    }
-    if (argc == 4 && std::strcmp(argv[1], "publish") == 0) {
-        return RunServer(argv[2], argv[3]);
+        return RunServer(argv[2]);
     }
     if (argc == 3 && std::strcmp(argv[1], "serve-refusing") == 0) {
         return RunRefusingServer(argv[2]);
@@ -260,7 +242,6 @@ int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], "flood") == 0) {
         return RunFlood(argv[2]);
     }
-    std::fprintf(stderr,
-                 "usage: hl_platform_test_peer serve|serve-refusing|flood NAME | publish NAME TYPE\n");
+    std::fprintf(stderr, "usage: hl_platform_test_peer serve|serve-refusing|flood NAME\n");
     return 1;
 }
