@@ -6,6 +6,8 @@
 
 #include <diagnostics/log_capture_for_testing.h>
 
+#include "support/path_of_ids.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -32,13 +34,7 @@ bool Same(const nk_ptr_t& a, const nk_ptr_t& b) {
     return a.offset == b.offset && a.size == b.size;
 }
 
-uvc::Path P(std::initializer_list<uvc::Id> ids) {
-    uvc::Path path;
-    for (const auto& id : ids) {
-        path.Append(id);
-    }
-    return path;
-}
+using settings_manager::testing::P;
 
 TEST(NodeArena, WriteRequestOfTheLocaleExampleHasTheDocumentedLayout) {
     Setting locale = settings_manager::SettingMap{};

@@ -8,6 +8,8 @@
 #include <uvc/process_exception.h>
 #include <uvc/set_item.h>
 
+#include "support/path_of_ids.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -18,13 +20,7 @@ namespace {
 using settings_manager::Setting;
 using settings_manager::meta::GetIdSpecification;
 
-uvc::Path P(std::initializer_list<uvc::Id> ids) {
-    uvc::Path path;
-    for (const auto& id : ids) {
-        path.Append(id);
-    }
-    return path;
-}
+using settings_manager::testing::P;
 
 TEST(PathText, FromStringAcceptsTheTextFormAndRefusesEveryBadForm) {
     const struct {
@@ -93,16 +89,6 @@ TEST(PathText, TwentyDigitIndexIsReadableButNotWritableWithoutMaxIndex) {
     EXPECT_EQ(path, P({std::uint64_t{10000000000000000000ULL}}));
     EXPECT_EQ(uvc::ToString(P({std::uint64_t{9999999999999999999ULL}}), unlimited).first,
               "9999999999999999999/");
-}
-
-TEST(PathText, EveryValidPathSurvivesARoundTrip) {
-    const uvc::Path paths[] = {uvc::Root, P({"a"}), P({std::uint64_t{0}, std::uint64_t{65535}}),
-                               P({"keyboard.desired.layout", std::uint64_t{12}, "x-y+z"})};
-    for (const auto& path : paths) {
-        const auto [text, state] = uvc::ToString(path, GetIdSpecification());
-        ASSERT_EQ(state, uvc::IdStateOk);
-        EXPECT_EQ(uvc::FromString(text, GetIdSpecification()).first, path) << text;
-    }
 }
 
 TEST(PathToStr, PrintsTheTextOrTheFailureMarker) {

@@ -1,10 +1,10 @@
 // hl-settingsd serving the non-persistent store, as a real process, through the settings client: the
-// shipped defaults, and the service's own rules (write modes, missing branches, lists, attributes, the
-// root) as decided in docs/settings.md.
+// service's own rules (write modes, missing branches, lists, attributes, the root) as decided in
+// docs/settings.md. Its shipped defaults are read and changed by hl-settings' and the language's
+// end-to-end tests.
 #include <settings_manager/creators.h>
 #include <settings_manager/meta/id_specification.h>
 #include <settings_manager/setting.h>
-#include <settings_manager/sm_utils.h>
 #include <uvc/path_text.h>
 
 #include "support/scoped_runtime_directory.h"
@@ -66,17 +66,6 @@ protected:
     std::shared_ptr<settings_manager::ISettingsCreator> m_creator;
     std::shared_ptr<settings_manager::ISettingsDeleter> m_deleter;
 };
-
-TEST_F(StoreRules, TheShippedDefaultsHoldTheLanguageAndCanBeChangedAndDeleted) {
-    const auto language = P("locale/language/");
-    EXPECT_EQ(utils::sm::GetSettingValue<std::string>(*m_getter, language, std::string("none")), "en-US");
-    EXPECT_EQ(m_valueSetter->SetValue(language, std::string("ru-RU")), 0);
-    EXPECT_EQ(utils::sm::GetSettingValue<std::string>(*m_getter, language, std::string("none")), "ru-RU");
-    EXPECT_EQ(m_deleter->DeleteSetting(language), 0);
-    Get(language, kNotFound);
-    EXPECT_EQ(m_deleter->DeleteSetting(language), kNotFound);
-    EXPECT_TRUE(Get(P("locale/")) == Setting(SettingMap{}));
-}
 
 TEST_F(StoreRules, WritesFollowTheModeAndCreateMissingBranches) {
     // Create refuses an existing node and leaves it alone.
