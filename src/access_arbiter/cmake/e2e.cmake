@@ -20,28 +20,6 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
   endif()
 endif()
 
-# The real program's shown window on a real X server (ctest runs under xvfb-run in scripts/test.sh),
-# clicked with real X input events (xdotool) and captured with ImageMagick's import; skips itself
-# when no DISPLAY is set. The program runs under hl-appmgr, as in a session, so only with the tools.
-if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
-   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt")
-  hl_add_test(hl_access_arbiter_shown_window_tests
-    SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/shown_window_e2e_test.cpp"
-            "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
-    DEPS hl_access_arbiter
-    LABELS e2e
-    ENV QT_QPA_PLATFORM=xcb
-    TIMEOUT 300)
-  if(TARGET hl_access_arbiter_shown_window_tests)
-    target_include_directories(hl_access_arbiter_shown_window_tests PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
-    target_compile_definitions(hl_access_arbiter_shown_window_tests PRIVATE
-      HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
-      HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>"
-      HL_SETTINGS_TEST_SERVER="$<TARGET_FILE:hl_settings_manager_test_server>")
-    add_dependencies(hl_access_arbiter_shown_window_tests access_arbiter hl-appmgr hl_settings_manager_test_server)
-  endif()
-endif()
-
 # Whole sessions of the real executables (hl-settingsd, hl-appmgr, access_arbiter, hl-ask) on an X server the tests
 # start themselves (Xvfb), clicked with xdotool. The callers' tests meet the dispatcher thread and the
 # Qt main thread from several processes at once, yet they carry no concurrency label: under the
@@ -65,6 +43,14 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     LABELS e2e
     ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 300)
+  # A client of the generated proxy reads the shown dialog's pixels and clicks it (captured with
+  # ImageMagick's import); a held server name fails the start.
+  hl_add_test(hl_access_arbiter_shown_window_tests
+    SOURCES "${_aa_e2e}/shown_window_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
+    DEPS hl_access_arbiter
+    LABELS e2e
+    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
+    TIMEOUT 300)
   # The language read from the settings service; one case waits out the connection attempts (5 min).
   hl_add_test(hl_access_arbiter_language_e2e_tests
     SOURCES "${_aa_e2e}/language_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
@@ -73,7 +59,7 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 480)
   foreach(_aa_target hl_access_arbiter_callers_e2e_tests hl_access_arbiter_session_faults_e2e_tests
-                     hl_access_arbiter_language_e2e_tests)
+                     hl_access_arbiter_language_e2e_tests hl_access_arbiter_shown_window_tests)
     if(TARGET ${_aa_target})
       target_include_directories(${_aa_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
       target_compile_definitions(${_aa_target} PRIVATE
