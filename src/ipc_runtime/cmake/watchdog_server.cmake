@@ -1,5 +1,5 @@
-# The ApplicationWatchdog server process, and the tests and benchmark that talk to it across processes.
-# They start it with the platform's test support (runtime directory and peer process).
+# The ApplicationWatchdog server process, and the benchmark that talks to it across processes, starting
+# it with the platform's test support (runtime directory and peer process).
 # The serving loop every test peer shares.
 hl_add_library(hl_ipc_runtime_test_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_server.cpp"
@@ -13,17 +13,11 @@ set(_hl_platform_test_support
   "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
   "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
 
-hl_add_test(hl_ipc_runtime_integration_tests
-  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/integration/watchdog_across_processes_test.cpp"
-          ${_hl_platform_test_support}
-  DEPS hl_ipc_runtime
-  LABELS integration)
-
 hl_add_benchmark(hl_ipc_runtime_ping_benchmark
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/bench/ping_benchmark.cpp" ${_hl_platform_test_support}
   DEPS hl_ipc_runtime)
 
-foreach(_target hl_ipc_runtime_integration_tests hl_ipc_runtime_ping_benchmark)
+foreach(_target hl_ipc_runtime_ping_benchmark)
   if(TARGET ${_target})
     target_include_directories(${_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
     target_compile_definitions(${_target} PRIVATE
