@@ -1,4 +1,4 @@
-// hl-ask's command line and the exit code and text of each ending.
+// hl-ask's command line. The exit code and text of each ending are its process test's part.
 #include "core/ask_options.h"
 
 #include <gtest/gtest.h>
@@ -27,18 +27,6 @@ TEST(AskOptions, ParsesAndRefuses) {
         EXPECT_FALSE(parsed.ok);
         EXPECT_EQ(parsed.error, c.error);
     }
-}
-
-TEST(AskOptions, OnlyTheTwoDecisionsExitBelowTwo) {
-    EXPECT_EQ(Describe(Outcome::Approved, "").exitCode, 0);
-    EXPECT_EQ(Describe(Outcome::Approved, "").text, "approved");
-    EXPECT_EQ(Describe(Outcome::Declined, "").exitCode, 1);
-    EXPECT_EQ(Describe(Outcome::Declined, "").text, "declined");
-    for (const Outcome outcome : {Outcome::NotPublished, Outcome::NotReachable, Outcome::ServerFailure,
-                                  Outcome::PeerGone, Outcome::TimedOut, Outcome::OtherFailure}) {
-        EXPECT_EQ(Describe(outcome, "x").exitCode, 2);
-    }
-    EXPECT_EQ(Describe(Outcome::TimedOut, "250").text, "timed out after 250 ms without a decision");
 }
 
 }  // namespace
