@@ -26,13 +26,12 @@ struct Case {
 };
 
 // Tests that every type reads its limits and prints them back in the form it reads, and refuses
-// what lies just outside.
+// what lies just outside. The limits that hl-settings' end-to-end test sets and gets back through a
+// service (i8, i32 and i64 minimum, u64 maximum, 0.1, true, a timestamp) are not repeated here.
 TEST(ValueText, EveryTypeReadsItsLimitsAndPrintsThemBack) {
     const Case cases[] = {
-        {"bool", "true", true, uvc::IndexBool, "true"},
         {"bool", "0", true, uvc::IndexBool, "false"},
         {"bool", "yes", false, 0, ""},
-        {"i8", "-128", true, uvc::IndexI8, "-128"},
         {"i8", "127", true, uvc::IndexI8, "127"},
         {"i8", "128", false, 0, ""},
         {"i8", "-129", false, 0, ""},
@@ -40,20 +39,15 @@ TEST(ValueText, EveryTypeReadsItsLimitsAndPrintsThemBack) {
         {"u8", "-1", false, 0, ""},
         {"i16", "-32768", true, uvc::IndexI16, "-32768"},
         {"u16", "0xffff", true, uvc::IndexU16, "65535"},
-        {"i32", "-2147483648", true, uvc::IndexI32, "-2147483648"},
         {"i32", "2147483648", false, 0, ""},
         {"u32", "4294967295", true, uvc::IndexU32, "4294967295"},
-        {"i64", "-9223372036854775808", true, uvc::IndexI64, "-9223372036854775808"},
         {"i64", "9223372036854775808", false, 0, ""},
-        {"u64", "18446744073709551615", true, uvc::IndexU64, "18446744073709551615"},
         {"u64", "18446744073709551616", false, 0, ""},
         {"i32", "12x", false, 0, ""},
         {"i32", "", false, 0, ""},
         {"i32", "-", false, 0, ""},
-        {"double", "0.1", true, uvc::IndexDouble, "0.1"},
         {"double", "-2e3", true, uvc::IndexDouble, "-2000"},
         {"double", "1.5.", false, 0, ""},
-        {"timestamp", "1700000000000", true, uvc::IndexTimestamp, "1700000000000"},
         {"string", "", true, uvc::IndexString, ""},
         {"string", "en US", true, uvc::IndexString, "en US"},
         {"bytes", "de:ad BE ef", true, uvc::IndexBytes, "de ad be ef"},
