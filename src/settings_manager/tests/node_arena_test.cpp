@@ -11,8 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -150,28 +148,6 @@ TEST(NodeArena, ReadRefusesListsAndMembersOutsideTheUsedBytes) {
     Items kept = items;
     EXPECT_FALSE(arena::impl::Read(memory.nk, list, kept));
     EXPECT_EQ(kept, items);
-}
-
-}  // namespace
-
-namespace {
-
-TEST(NodeArena, GoodWireSampleOfTheFuzzCorpusReadsAndRebuilds) {
-    std::ifstream in(HL_SOURCE_DIR "/src/settings_manager/tests/fuzz/corpus/node_list/locale-language.bin",
-                     std::ios::binary);
-    std::vector<unsigned char> data((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    ASSERT_GT(data.size(), sizeof(nk_ptr_t));
-    nk_ptr_t list;
-    std::memcpy(&list, data.data(), sizeof list);
-    std::vector<unsigned char> bytes(data.begin() + sizeof list, data.end());
-    nk_arena nk{bytes.data(), bytes.data() + bytes.size(), bytes.data() + bytes.size()};
-    Items items;
-    ASSERT_TRUE(arena::impl::Read(nk, list, items));
-    uvc::Path path;
-    Setting setting;
-    ASSERT_EQ(settings_manager::Deserialize(items, path, setting), uvc::ResultOk);
-    EXPECT_EQ(path, P({"locale"}));
-    EXPECT_EQ(setting, Setting(settings_manager::SettingMap{{"language", Setting(std::string("en"))}}));
 }
 
 }  // namespace
