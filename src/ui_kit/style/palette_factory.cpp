@@ -24,10 +24,6 @@ std::shared_ptr<IPalette> PaletteFactory::GetPalette(PaletteId id) const {
     return entry->second;
 }
 
-std::size_t PaletteFactory::CachedEntryCountForTesting() const {
-    return m_palettes.size();
-}
-
 std::shared_ptr<IPalette> PaletteFactory::CreatePaletteById(PaletteId id) {
     switch (id) {
         case PaletteId::Light:

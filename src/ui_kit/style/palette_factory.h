@@ -2,7 +2,6 @@
 
 #include <ui_kit/style/i_palette_factory.h>
 
-#include <cstddef>
 #include <memory>
 #include <unordered_map>
 
@@ -16,8 +15,6 @@ public:
     ~PaletteFactory() override;
 
     std::shared_ptr<IPalette> GetPalette(PaletteId id) const override;
-
-    std::size_t CachedEntryCountForTesting() const;
 
 private:
     // A new palette for the id, or an empty pointer with a warning for an unknown id.
