@@ -1,6 +1,6 @@
 #include "json_defaults.h"
 
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <uvc/path_text.h>
 
 #include <nlohmann/json.hpp>

@@ -4,7 +4,7 @@
 
 #include <diagnostics/log.h>
 #include <diagnostics/result_code.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/node_arena.h>
 #include <settings_manager/path_to_str.h>
 #include <settings_manager/serialize.h>

@@ -3,7 +3,7 @@
 #include "result_codes.h"
 
 #include <diagnostics/log.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/path_to_str.h>
 #include <settings_manager/raw_item.h>
 #include <settings_manager/serialize.h>

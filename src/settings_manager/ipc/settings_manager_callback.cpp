@@ -2,7 +2,7 @@
 
 #include "ipc/call_report.h"
 
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/node_arena.h>
 #include <settings_manager/path_to_str.h>
 #include <uvc/path_text.h>

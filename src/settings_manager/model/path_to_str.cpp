@@ -1,6 +1,6 @@
 #include <settings_manager/path_to_str.h>
 
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <uvc/path_text.h>
 #include <uvc/process_exception.h>
 

@@ -1,7 +1,7 @@
 #include <settings_manager/raw_item.h>
 
 #include <diagnostics/result_code.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/raw.h>
 #include <uvc/error.h>
 #include <uvc/path_text.h>

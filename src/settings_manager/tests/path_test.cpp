@@ -1,6 +1,6 @@
 // Tests that paths convert to and from their one text form with the documented states, that log
 // rendering never throws, and that the tree operations SetItem and ForEach keep their contracts.
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/path_to_str.h>
 #include <settings_manager/setting.h>
 #include <uvc/for_each.h>

@@ -1,6 +1,6 @@
 #include "core/path_argument.h"
 
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <uvc/path_text.h>
 
 #include <fmt/format.h>

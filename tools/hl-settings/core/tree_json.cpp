@@ -2,7 +2,7 @@
 
 #include "core/value_text.h"
 
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <uvc/path_text.h>
 
 #include <fmt/format.h>

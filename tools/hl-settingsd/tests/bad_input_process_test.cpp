@@ -1,7 +1,7 @@
 // Requests hl-settingsd must refuse, sent over the real IPC to the real process: each gets its result
 // code and a log line, the process goes on serving, and the store is as it was.
 #include <settings_manager/creators.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/serialize.h>
 #include <settings_manager/setting.h>
 #include <uvc/path_text.h>

@@ -2,7 +2,7 @@
 // the user can read, a kill -9 in the middle of long write exchanges leaves the old tree or the new
 // one and never a mix, and a cancelled or abandoned exchange changes nothing.
 #include <settings_manager/creators.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/setting.h>
 #include <uvc/path_text.h>
 

@@ -3,7 +3,7 @@
 // docs/settings.md. Its shipped defaults are read and changed by hl-settings' and the language's
 // end-to-end tests.
 #include <settings_manager/creators.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/setting.h>
 #include <uvc/path_text.h>
 

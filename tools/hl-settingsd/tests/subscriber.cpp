@@ -4,7 +4,7 @@
 //   hl_settingsd_test_subscriber SERVICE PATH_TEXT
 #include <settings_manager/i_settings_update_observer.h>
 #include <settings_manager/ipc/create_settings_manager.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/path_to_str.h>
 #include <uvc/path_text.h>
 

@@ -4,7 +4,7 @@
 // (src/settings_manager/tests/integration/callback_thread_test.cpp).
 #include <settings_manager/creators.h>
 #include <settings_manager/i_settings_update_observer.h>
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/path_to_str.h>
 #include <settings_manager/setting.h>
 #include <uvc/path_text.h>

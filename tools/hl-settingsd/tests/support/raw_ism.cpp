@@ -1,6 +1,6 @@
 #include "support/raw_ism.h"
 
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/node_arena.h>
 #include <settings_manager/serialize.h>
 #include <uvc/path_text.h>

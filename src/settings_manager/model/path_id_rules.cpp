@@ -1,4 +1,4 @@
-#include <settings_manager/meta/id_specification.h>
+#include <settings_manager/meta/path_id_rules.h>
 
 namespace settings_manager::meta {
 
