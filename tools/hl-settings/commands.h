@@ -6,6 +6,11 @@
 #include "core/invocation.h"
 #include "core/service_connection.h"
 
+#include <settings_manager/setting.h>
+#include <uvc/path.h>
+
+#include <string>
+
 namespace hl_settings {
 
 int RunGet(const Invocation& invocation, ServiceConnection& connection);
@@ -13,5 +18,11 @@ int RunSet(const Invocation& invocation, ServiceConnection& connection);
 int RunDelete(const Invocation& invocation, ServiceConnection& connection);
 int RunTree(const Invocation& invocation, ServiceConnection& connection);
 int RunMonitor(const Invocation& invocation, ServiceConnection& connection);
+
+// What get and tree do first: parse PATH_TEXT, open the connection, read the setting there. 0 with
+// `path` and `setting` filled, else the exit code of the failure, already reported (`command` names
+// the command in its text).
+int ReadSettingAt(const std::string& pathText, const char* command, ServiceConnection& connection,
+                  uvc::Path& path, settings_manager::Setting& setting);
 
 }  // namespace hl_settings
