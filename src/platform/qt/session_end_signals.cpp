@@ -4,12 +4,15 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <QThread>
+#include <QTimer>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace hos::platform {
@@ -20,9 +23,32 @@ constexpr std::array<int, 3> kSignals{SIGTERM, SIGINT, SIGHUP};
 
 // The write end of the pipe of the object that currently listens; read by the signal handler.
 std::atomic<int> g_writeEnd{-1};
+// Set once the application's event loop turns: before that nothing reads the pipe.
+std::atomic<bool> g_loopRunning{false};
+// The line written when a signal comes before the loop, one per signal of kSignals; made before any
+// handler is installed, since a handler may not format.
+std::array<std::array<char, 160>, 3> g_beforeLoopLines{};
+
+void EndBeforeTheLoop(int signalNumber) {
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        if (kSignals[i] == signalNumber) {
+            const char* line = g_beforeLoopLines[i].data();
+            [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line, std::strlen(line));
+        }
+    }
+    // Delivered as soon as this handler returns, with the default action: the process ends by the
+    // signal, as it would have without a handler.
+    ::signal(signalNumber, SIG_DFL);
+    ::raise(signalNumber);
+}
 
 void OnSessionEndSignal(int signalNumber) {
     const int savedErrno = errno;
+    if (!g_loopRunning.load()) {
+        EndBeforeTheLoop(signalNumber);
+        errno = savedErrno;
+        return;
+    }
     const int writeEnd = g_writeEnd.load();
     if (writeEnd >= 0) {
         const auto byte = static_cast<unsigned char>(signalNumber);
@@ -30,6 +56,18 @@ void OnSessionEndSignal(int signalNumber) {
         [[maybe_unused]] const ssize_t written = ::write(writeEnd, &byte, 1);
     }
     errno = savedErrno;
+}
+
+// Marks the loop as running at its first turn; a turn of a bare processEvents during the start does
+// not count, so the check is made again at the next one.
+void MarkTheLoopRunningOnceItTurns(QObject* context) {
+    QTimer::singleShot(0, context, [context] {
+        if (QThread::currentThread()->loopLevel() > 0) {
+            g_loopRunning.store(true);
+        } else {
+            MarkTheLoopRunningOnceItTurns(context);
+        }
+    });
 }
 
 void InstallSessionEndSignals() {
@@ -49,6 +87,14 @@ SessionEndSignals::SessionEndSignals(QObject* parent) : QObject(parent) {
     m_notifier = new QSocketNotifier(m_pipe[0], QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &SessionEndSignals::OnSignalArrived);
     g_writeEnd.store(m_pipe[1]);
+    g_loopRunning.store(false);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        std::snprintf(g_beforeLoopLines[i].data(), g_beforeLoopLines[i].size(),
+                      "Hosted platform: signal %d (%s) came before the event loop runs; the process ends "
+                      "now, as without a handler\n",
+                      kSignals[i], ::strsignal(kSignals[i]));
+    }
+    MarkTheLoopRunningOnceItTurns(this);
 
     struct sigaction action {};
     action.sa_handler = OnSessionEndSignal;

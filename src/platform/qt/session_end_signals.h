@@ -12,6 +12,9 @@
 // The first signal also puts the three signals back to their default action, so a second one ends a
 // process whose teardown cannot finish (a decision still waited for) at once. Destruction puts back
 // the actions found at construction. A signal ignored when the object is made (nohup) stays ignored.
+// A signal that comes before the event loop first turns (the application still starting, say while
+// it waits for a service) would wait in the pipe for a loop that may be minutes away: it writes one
+// line to standard error and ends the process by the signal's default action at once.
 #pragma once
 
 #include <QObject>
