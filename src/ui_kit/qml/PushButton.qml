@@ -2,7 +2,9 @@
 // "Normal", "Light", "Alternative", "Transparent" and "SystemWarning".
 // The background is disabledColor when disabled, else pressedColor while pressed, else hoverColor
 // while hovered, else normalColor. A second caption line (`hintText`) is created asynchronously,
-// and only when the hint is not empty. Enter and Return act as a click.
+// and only when the hint is not empty. Enter and Return act as a click. Assistive technology sees a
+// push button named by its text whose Press action clicks it, as long as the button is enabled and
+// its window is shown: a press through a stale reference to a hidden window clicks nothing.
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -31,6 +33,13 @@ Button {
     Keys.onEnterPressed: root.clicked()
     Keys.onReturnPressed: root.clicked()
 
+    Accessible.role: Accessible.Button
+    Accessible.name: root.text
+    Accessible.onPressAction: {
+        if (root.enabled && root.Window.window !== null && root.Window.window.visible)
+            root.clicked()
+    }
+
     background: Rectangle {
         id: background
         objectName: "background"
@@ -51,6 +60,8 @@ Button {
         TextLabel {
             id: caption
             objectName: "caption"
+            // The button itself carries the caption's text for assistive technology.
+            Accessible.ignored: true
             Layout.alignment: Qt.AlignHCenter | Qt.AlignVCenter
             Layout.maximumWidth: root.availableWidth
             text: root.text
@@ -72,6 +83,7 @@ Button {
             asynchronous: true
             sourceComponent: TextLabel {
                 objectName: "hint"
+                Accessible.ignored: true
                 text: root.hintText
                 font.pixelSize: 12
                 horizontalAlignment: Text.AlignHCenter
