@@ -29,6 +29,9 @@ PACKAGES=(
   weston
   # the Python peer and the JSON checks of the tool tests
   python3
+  # the desktop tests: a real window manager and its tools, a terminal to work in, a screen reader's
+  # AT-SPI client on a D-Bus session of the tests' own
+  openbox wmctrl x11-utils xterm dbus at-spi2-core python3-pyatspi
   # the dialog benchmark: X events and XTEST input (libxcb), the one-shot dialog it is measured against
   libxcb1-dev libxcb-xtest0-dev zenity
 )

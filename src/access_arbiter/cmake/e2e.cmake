@@ -58,8 +58,21 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     LABELS e2e
     ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 480)
+  # The dialog on a desktop: openbox as the window manager, the keyboard, a screen reader's AT-SPI
+  # client on a D-Bus session of the test's own, and a run of many requests (HL_SOAK_REQUESTS).
+  hl_add_test(hl_access_arbiter_desktop_e2e_tests
+    SOURCES "${_aa_e2e}/desktop_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
+    LABELS e2e
+    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
+    TIMEOUT 300)
+  if(TARGET hl_access_arbiter_desktop_e2e_tests)
+    target_compile_definitions(hl_access_arbiter_desktop_e2e_tests PRIVATE
+      HL_DESKTOP_ENTRY="${CMAKE_CURRENT_SOURCE_DIR}/access_arbiter.desktop"
+      HL_SCREEN_READER="${_aa_e2e}/support/screen_reader.py")
+  endif()
   foreach(_aa_target hl_access_arbiter_callers_e2e_tests hl_access_arbiter_session_faults_e2e_tests
-                     hl_access_arbiter_language_e2e_tests hl_access_arbiter_shown_window_tests)
+                     hl_access_arbiter_language_e2e_tests hl_access_arbiter_shown_window_tests
+                     hl_access_arbiter_desktop_e2e_tests)
     if(TARGET ${_aa_target})
       target_include_directories(${_aa_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
       target_compile_definitions(${_aa_target} PRIVATE

@@ -130,6 +130,20 @@ TEST_F(Language, AServiceThatIsNotThereYetIsWaitedForAndItsLanguageShown) {
     EXPECT_EQ(ShownLanguage(), "en-US");
 }
 
+// The session ends while the program still waits for its settings: the stop signal ends it at once,
+// by the signal, with the platform's line; the manager needs no SIGKILL.
+TEST_F(Language, AStopWhileTheServiceIsWaitedForEndsTheProgramByItsSignal) {
+    m_session.StartManager("restart=no\n");
+    ASSERT_TRUE(m_session.WaitForLog("Connecting to hl.settings_manager.MSmgr settings manager", 60s))
+        << m_session.Log();
+    m_session.Manager().Signal(SIGTERM);
+    EXPECT_EQ(m_session.Manager().Wait(60s), 0);
+    EXPECT_EQ(m_session.CountInLog("Hosted platform: signal 15 (Terminated) came before the event loop runs"), 1U)
+        << m_session.Log();
+    EXPECT_EQ(m_session.CountInLog("]: killed by signal 15 (stopped)"), 1U) << m_session.Log();
+    EXPECT_EQ(m_session.CountInLog("sending SIGKILL"), 0U) << m_session.Log();
+}
+
 // The connection is asked for every 100 ms, 3000 times: about five minutes.
 TEST_F(Language, WithoutTheServiceTheStartFailsOnceTheConnectionAttemptsRunOut) {
     const auto started = std::chrono::steady_clock::now();

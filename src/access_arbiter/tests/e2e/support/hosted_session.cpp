@@ -24,7 +24,9 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-std::string Shell(const std::string& command) {
+}  // namespace
+
+std::string RunCommand(const std::string& command) {
     std::string output;
     if (FILE* pipe = popen(command.c_str(), "r")) {
         char buffer[256];
@@ -35,6 +37,8 @@ std::string Shell(const std::string& command) {
     }
     return output;
 }
+
+namespace {
 
 std::vector<std::string> Lines(const std::string& text) {
     std::vector<std::string> lines;
@@ -141,6 +145,59 @@ bool HostedSession::StartDisplay() {
         return true;
     }();
     return started;
+}
+
+namespace {
+pid_t g_windowManager = -1;
+pid_t g_replacedWindowManager = -1;
+}  // namespace
+
+bool HostedSession::StartWindowManager(bool replace) {
+    if (!replace) {
+        StopWindowManager();
+    }
+    std::vector<const char*> argv{"openbox", "--sm-disable"};
+    if (replace) {
+        argv.push_back("--replace");
+    }
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const bool spawned =
+        posix_spawnp(&pid, "openbox", &actions, nullptr, const_cast<char**>(argv.data()), environ) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    if (!spawned) {
+        return false;
+    }
+    // The replaced manager ends by itself once the new one has taken over.
+    g_replacedWindowManager = replace ? g_windowManager : -1;
+    g_windowManager = pid;
+    return true;
+}
+
+bool HostedSession::WaitForWindowManager() {
+    const auto deadline = Clock::now() + 20s;
+    // wmctrl -m names the manager only once it has announced itself on the root window.
+    while (RunCommand("wmctrl -m 2>/dev/null").find("Openbox") == std::string::npos ||
+           (g_replacedWindowManager > 0 && waitpid(g_replacedWindowManager, nullptr, WNOHANG) == 0)) {
+        if (Clock::now() >= deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(20ms);
+    }
+    g_replacedWindowManager = -1;
+    return true;
+}
+
+void HostedSession::StopWindowManager() {
+    if (g_windowManager > 0) {
+        kill(g_windowManager, SIGTERM);
+        waitpid(g_windowManager, nullptr, 0);
+        g_windowManager = -1;
+    }
 }
 
 HostedSession::HostedSession() {
@@ -255,7 +312,7 @@ std::unique_ptr<ChildProcess> HostedSession::Ask(const std::vector<std::string>&
 }
 
 std::vector<std::string> HostedSession::ShownWindows() const {
-    return Lines(Shell("xdotool search --onlyvisible --name '^AccessArbiter$' 2>/dev/null"));
+    return Lines(RunCommand("xdotool search --onlyvisible --name '^AccessArbiter$' 2>/dev/null"));
 }
 
 std::string HostedSession::WaitShown(std::chrono::seconds timeout) const {
@@ -286,8 +343,22 @@ bool HostedSession::WaitHidden(std::chrono::seconds timeout) const {
 void HostedSession::Click(const std::string& window, int x, int y) const {
     // Let the first frame settle before the click, as a person would.
     std::this_thread::sleep_for(300ms);
-    Shell("xdotool mousemove --window " + window + " " + std::to_string(x) + " " + std::to_string(y) +
+    RunCommand("xdotool mousemove --window " + window + " " + std::to_string(x) + " " + std::to_string(y) +
           " click 1");
+}
+
+void HostedSession::Keys(const std::string& keys) const {
+    RunCommand("xdotool key --delay 50 " + keys);
+}
+
+long HostedSession::ProgramRssKiB() const {
+    std::ifstream status("/proc/" + std::to_string(ProgramPid()) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("VmRSS:", 0) == 0) {
+            return std::stol(line.substr(6));
+        }
+    }
+    return 0;
 }
 
 }  // namespace access_arbiter::e2e

@@ -18,6 +18,9 @@
 
 namespace access_arbiter::e2e {
 
+// Runs `command` with the shell and returns what it printed on standard output.
+std::string RunCommand(const std::string& command);
+
 // A child process with its standard output in a file; the destructor kills and reaps a running one.
 class ChildProcess {
 public:
@@ -43,6 +46,12 @@ class HostedSession {
 public:
     // Starts Xvfb and sets DISPLAY (once per process); false if it does not come up.
     static bool StartDisplay();
+    // openbox on that display, started anew, or replacing the running one with `replace`; false if
+    // it can't be spawned. It is not waited for: WaitForWindowManager is true once it has announced
+    // itself on the root window (and a replaced one has ended). StopWindowManager ends it.
+    static bool StartWindowManager(bool replace = false);
+    static bool WaitForWindowManager();
+    static void StopWindowManager();
 
     HostedSession();
     ~HostedSession();
@@ -85,6 +94,10 @@ public:
     bool WaitHidden(std::chrono::seconds timeout) const;
     // A real X click at (x, y) of the window: Approve is at (234, 110), Decline at (86, 110).
     void Click(const std::string& window, int x, int y) const;
+    // Real X key strokes (xdotool key names) to whichever window has the keyboard focus.
+    void Keys(const std::string& keys) const;
+    // The program's resident set size in KiB, from /proc; 0 if it can't be read.
+    long ProgramRssKiB() const;
 
 private:
     std::string m_directory;
