@@ -88,6 +88,11 @@ bool ManagedWindowPolicy::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ManagedWindowPolicy::OnShow(QWindow& window) {
+    // The desktop entry is named after the application: X11's WM_CLASS carries the application's
+    // name already, and this gives a Wayland compositor the same name as the window's app id.
+    if (QGuiApplication::desktopFileName().isEmpty()) {
+        QGuiApplication::setDesktopFileName(QCoreApplication::applicationName());
+    }
     if (m_policy == WindowPolicy::Consent) {
         // The platform window exists by now and is not mapped yet, so the type and the keep-above
         // state reach the window manager with the map.

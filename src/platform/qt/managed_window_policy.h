@@ -11,7 +11,9 @@
 //     which closes every window, is not refused;
 //   - a window that the application shows but the display has not mapped after a moment (a window
 //     manager that starts or restarts around the map) is mapped again, with one log line, after
-//     250 ms, then after 0.5, 1 and 2 s, and every 2 s for as long as it stays unmapped.
+//     250 ms, then after 0.5, 1 and 2 s, and every 2 s for as long as it stays unmapped;
+//   - the desktop file name, unless the application set one, is the application's name, which is
+//     also the class of its X11 WM_CLASS; a desktop entry of that name matches its windows.
 // With the consent policy (the default; HL_WINDOW_POLICY=plain turns it off): a plain top-level
 // window becomes a dialog kept above normal windows, and it is raised and activated each time it
 // is shown. On X11 this is _NET_WM_WINDOW_TYPE_DIALOG with _NET_WM_STATE_ABOVE and an activation
