@@ -131,8 +131,14 @@ SettingsManagerProxy::~SettingsManagerProxy() {
 
 template <typename T>
 std::int32_t SettingsManagerProxy::GetIface(std::shared_ptr<T>& iface) {
-    iface = std::static_pointer_cast<T>(shared_from_this());
-    return 0;
+    try {
+        iface = std::static_pointer_cast<T>(shared_from_this());
+        return 0;
+    } catch (const std::exception& error) {
+        // A proxy that no shared_ptr owns (made on the stack, say) has no interface to give out.
+        HL_LOG(LogLevel::Error, "{} Could not get interface: {}", m_tag, error.what());
+        return hca::result_code::kInterfaceNotSupported;
+    }
 }
 
 std::int32_t SettingsManagerProxy::GetSettingsCreator(std::shared_ptr<ISettingsCreator>& creator) {

@@ -3,6 +3,7 @@
 // and of the connection, and the creator that finds the non-persistent service by name.
 #include <settings_manager/creators.h>
 #include <settings_manager/ipc/create_settings_manager.h>
+#include <settings_manager/ipc/settings_manager_proxy.h>
 #include <settings_manager/setting.h>
 #include <uvc/set_item.h>
 
@@ -155,6 +156,18 @@ TEST_F(ProxyAcrossProcesses, AServiceThatDiesMidExchangeGivesAnErrorNotAHang) {
     Setting read;
     EXPECT_EQ(m_getter->GetSetting(At("t9"), read), kCallFailed);
     EXPECT_TRUE(log.Contains(": Read call error: nk = "));
+}
+
+// Interfaces are handed out as shared_ptrs of the proxy itself: one that no shared_ptr owns has
+// none to give, and says so with a code instead of an exception.
+TEST_F(ProxyAcrossProcesses, AProxyThatNoSharedPtrOwnsRefusesItsInterfacesWithACode) {
+    ASSERT_NO_FATAL_FAILURE(Start());
+    hos::logger::LogCaptureForTesting log;
+    settings_manager::ipc::SettingsManagerProxy proxy(settings_manager::ipc::SettingsManagerCmConfig{kService, 5000});
+    std::shared_ptr<settings_manager::ISettingsGetter> getter;
+    EXPECT_EQ(proxy.GetSettingsGetter(getter), static_cast<std::int32_t>(0x80000001u));
+    EXPECT_EQ(getter, nullptr);
+    EXPECT_TRUE(log.Contains(" Could not get interface: bad_weak_ptr")) << log.Records().size();
 }
 
 }  // namespace
