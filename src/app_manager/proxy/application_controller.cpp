@@ -23,45 +23,45 @@ ApplicationController::ApplicationController(GeneratedPtr proxy) : m_proxy(std::
 }
 
 template <typename Call, typename... EntryArgs>
-std::int32_t ApplicationController::Invoke(std::string_view failedName, Call&& call,
+std::int32_t ApplicationController::Invoke(const char* operation, std::string_view failedName, Call&& call,
                                            std::string_view entryFormat,
                                            const EntryArgs&... entryArgs) noexcept {
-    HL_LOG(hos::logger::LogLevel::Debug, entryFormat, entryArgs...);
+    HL_LOG_FOR(hos::logger::LogLevel::Debug, operation, entryFormat, entryArgs...);
     int result = hca::result_code::kUnspecifiedError;
     try {
         std::forward<Call>(call)(result);
         return result;
     } catch (...) {
         const auto [code, message] = fdn::utils::ProcessException();
-        HL_LOG(hos::logger::LogLevel::Critical, "Failed to call {}, {} with result: {}", failedName, message,
-               hcax::ResultCodeText(code));
+        HL_LOG_FOR(hos::logger::LogLevel::Critical, operation, "Failed to call {}, {} with result: {}",
+                   failedName, message, hcax::ResultCodeText(code));
         return code;
     }
 }
 
 std::int32_t ApplicationController::StartApplication(std::string_view appName) noexcept {
     return Invoke(
-        "StartApplication", [&](int& result) { m_proxy->StartApplication(Bytes(appName), result); },
+        __func__, "StartApplication", [&](int& result) { m_proxy->StartApplication(Bytes(appName), result); },
         "Proxy: ApplicationController::StartApplication {}", appName);
 }
 
 std::int32_t ApplicationController::ReadyToInitialize(std::string_view appName) noexcept {
     return Invoke(
-        "ReadyToInitialize", [&](int& result) { m_proxy->ReadyToInitialize(Bytes(appName), result); },
+        __func__, "ReadyToInitialize", [&](int& result) { m_proxy->ReadyToInitialize(Bytes(appName), result); },
         "Proxy: ApplicationController::ReadyToInitialize {}", appName);
 }
 
 std::int32_t ApplicationController::ReadyToShowUI(std::string_view appName) noexcept {
     // The failure line names another operation; it is kept as it stands.
     return Invoke(
-        "FinishWithInternalError", [&](int& result) { m_proxy->ReadyToShowUI(Bytes(appName), result); },
+        __func__, "FinishWithInternalError", [&](int& result) { m_proxy->ReadyToShowUI(Bytes(appName), result); },
         "Proxy: ApplicationController::ReadyToShowUI {}", appName);
 }
 
 std::int32_t ApplicationController::FinishWithInternalError(std::string_view appName, std::string_view error,
                                                             std::string_view details) noexcept {
     return Invoke(
-        "FinishWithInternalError",
+        __func__, "FinishWithInternalError",
         [&](int& result) {
             m_proxy->FinishWithInternalError(Bytes(appName), Bytes(error), Bytes(details), result);
         },
@@ -71,7 +71,7 @@ std::int32_t ApplicationController::FinishWithInternalError(std::string_view app
 
 std::int32_t ApplicationController::StateChanged(std::string_view appName, long state) noexcept {
     return Invoke(
-        "StateChanged", [&](int& result) { m_proxy->StateChanged(Bytes(appName), state, result); },
+        __func__, "StateChanged", [&](int& result) { m_proxy->StateChanged(Bytes(appName), state, result); },
         "Proxy: ApplicationController::StateChanged, appName: {}, state: {}", appName, state);
 }
 

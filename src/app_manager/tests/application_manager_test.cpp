@@ -84,6 +84,15 @@ TEST_F(ApplicationManagerClient, ControllerFailuresAreLoggedWithTheirTextsAndRet
                                    " server error with result: " + hcax::ResultCodeText(code)))
             << row.operation;
         EXPECT_EQ(m_log.Count(hos::logger::LogLevel::Critical), 1U) << row.operation;
+        // Both records (the call and its failure) name the operation, not the path they share.
+        std::size_t named = 0;
+        for (const auto& record : m_log.Records()) {
+            if (record.file.find("application_controller.cpp") != std::string::npos) {
+                EXPECT_EQ(record.function, row.operation) << record.message;
+                ++named;
+            }
+        }
+        EXPECT_EQ(named, 2U) << row.operation;
     }
 
     // 128 bytes travel; 129 are refused before anything is sent.

@@ -16,3 +16,13 @@
             hlRootLogger_.Log((level), __FILE__, __LINE__, static_cast<const char*>(__func__), __VA_ARGS__); \
         }                                                                                                    \
     } while (false)
+
+// The same for a shared path that logs on behalf of the operation that called it: `function` (a
+// C string, usually the caller's __func__) is handed over as the record's function name.
+#define HL_LOG_FOR(level, function, ...)                                                           \
+    do {                                                                                           \
+        auto& hlRootLogger_ = ::hos::logger::HOSLogger::RootLogger();                              \
+        if (hlRootLogger_.IsEnabled(level)) {                                                      \
+            hlRootLogger_.Log((level), __FILE__, __LINE__, static_cast<const char*>(function), __VA_ARGS__); \
+        }                                                                                          \
+    } while (false)

@@ -33,10 +33,10 @@ public:
 private:
     // Logs entryFormat with entryArgs at level Debug, then runs call(result) against the generated
     // proxy; an exception is logged as "Failed to call <failedName>, ..." at level Critical and returned
-    // as its code.
+    // as its code. Both records carry `operation`, the calling operation's name, as their function.
     template <typename Call, typename... EntryArgs>
-    std::int32_t Invoke(std::string_view failedName, Call&& call, std::string_view entryFormat,
-                        const EntryArgs&... entryArgs) noexcept;
+    std::int32_t Invoke(const char* operation, std::string_view failedName, Call&& call,
+                        std::string_view entryFormat, const EntryArgs&... entryArgs) noexcept;
 
     GeneratedPtr m_proxy;
 };
