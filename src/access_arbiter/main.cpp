@@ -19,13 +19,11 @@
 #include <common_utils_ui/app_shutdown/qt_app_shutdown.h>
 #include <common_utils_ui/fonts/default_font.h>
 #include <common_utils_ui/keyboard/keyboard_init.h>
-#include <common_utils_ui/translate/i_translation_installer.h>
 #include <common_utils_ui/watchdog/application_watchdog.h>
 #include <diagnostics/check.h>
 #include <diagnostics/log.h>
 #include <diagnostics/process_exception.h>
 #include <diagnostics/result_code.h>
-#include <settings_manager/creators.h>
 
 #include <fmt/format.h>
 
@@ -79,9 +77,7 @@ int main(int argc, char** argv) {
         access_arbiter::AccessArbiter::InitResources();
 
         // 11. application object: settings connection, organisation data, translation, palette
-        access_arbiter::AccessArbiter application(
-            vdi::common_utils::settings::CreateSettingsManagerNonPersistent,
-            [] { return vdi::common_utils_ui::translate::CreateTranslationInstaller(); });
+        access_arbiter::AccessArbiter application;
 
         // 12. QML engine
         QQmlApplicationEngine engine(nullptr);

@@ -4,6 +4,7 @@
 #include <diagnostics/check.h>
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/qt_logger_support.h>
+#include <settings_manager/creators.h>
 #include <settings_manager/setting_paths.h>
 #include <settings_manager/sm_utils.h>
 #include <ui_kit/style/i_palette_factory.h>
@@ -18,6 +19,10 @@ int qInitResources_ui_kit_images();
 int qInitResources_ui_kit_qml();
 
 namespace access_arbiter {
+
+AccessArbiter::AccessArbiter()
+    : AccessArbiter(vdi::common_utils::settings::CreateSettingsManagerNonPersistent,
+                    [] { return vdi::common_utils_ui::translate::CreateTranslationInstaller(); }) {}
 
 AccessArbiter::AccessArbiter(SettingsManagerCreator createSettingsManager,
                              TranslationInstallerCreator createTranslationInstaller) {

@@ -32,6 +32,10 @@ public:
     // one warning and the empty locale, for which the installer takes its default) and installs the
     // catalogue "access_arbiter" for it, then makes the dark palette. Throws
     // hca::CheckFailedException or hca::CheckResultFailedException with the text of the failed step.
+    // The program's own: the non-persistent settings service and the embedded catalogues.
+    AccessArbiter();
+    // The same with the settings manager and the translation installer made by the given creators
+    // (the tests give theirs).
     AccessArbiter(SettingsManagerCreator createSettingsManager,
                   TranslationInstallerCreator createTranslationInstaller);
     // Releases the palette, the settings manager, the getter, then the installer (and with it the
