@@ -2,6 +2,7 @@
 // non-persistent service's name: what the language setting holds decides the catalogue installed,
 // and every step that can fail stops the start with its own text.
 #include <access_arbiter/application/access_arbiter.h>
+#include <diagnostics/hos_logger.h>
 #include <diagnostics/log_capture_for_testing.h>
 #include <diagnostics/process_exception.h>
 #include <platform/platform.h>
@@ -138,6 +139,12 @@ TEST_F(ApplicationSettings, ACatalogueThatCannotBeInstalledStopsTheStart) {
                           [] { return translate::CreateTranslationInstaller("/nonexistent"); });
     EXPECT_NE(error.find("Failed translator installation for locale"), std::string::npos) << error;
     EXPECT_TRUE(log.Contains("Translation file <access_arbiter> for <en_US> language wasn't loaded"));
+
+    // An installer that can't be made stops the start with its own text.
+    EXPECT_NE(ConstructionError(vdi::common_utils::settings::CreateSettingsManagerNonPersistent,
+                                [] { return std::unique_ptr<translate::ITranslationInstaller>(); })
+                  .find("translation installer is null"),
+              std::string::npos);
 }
 
 // A manager that hands out the given getter with the given result.
@@ -224,6 +231,19 @@ TEST(ApplicationStart, EachFailedStepStopsTheStartWithItsText) {
         SCOPED_TRACE(c.step);
         EXPECT_NE(ConstructionError(c.creator, c.installer).find(c.text), std::string::npos);
     }
+}
+
+// The program's logger: its tag, the information level, and Qt's own messages in the same log.
+TEST(ApplicationStart, TheLoggerHasTheProgramsTagAndLevelAndTakesQtsOwnMessages) {
+    AccessArbiter::SetupLogger();
+    auto& root = hos::logger::HOSLogger::RootLogger();
+    EXPECT_EQ(root.Tag(), "ACCESSARB");
+    EXPECT_TRUE(root.IsEnabled(hos::logger::LogLevel::Info));
+    EXPECT_FALSE(root.IsEnabled(hos::logger::LogLevel::Debug));
+    hos::logger::LogCaptureForTesting log;
+    qWarning("a warning of Qt's own");
+    EXPECT_TRUE(log.Contains("a warning of Qt's own"));
+    qInstallMessageHandler(nullptr);
 }
 
 }  // namespace
