@@ -47,14 +47,16 @@ std::int32_t ApplicationController::StartApplication(std::string_view appName) n
 
 std::int32_t ApplicationController::ReadyToInitialize(std::string_view appName) noexcept {
     return Invoke(
-        __func__, "ReadyToInitialize", [&](int& result) { m_proxy->ReadyToInitialize(Bytes(appName), result); },
+        __func__, "ReadyToInitialize",
+        [&](int& result) { m_proxy->ReadyToInitialize(Bytes(appName), result); },
         "Proxy: ApplicationController::ReadyToInitialize {}", appName);
 }
 
 std::int32_t ApplicationController::ReadyToShowUI(std::string_view appName) noexcept {
     // The failure line names another operation; it is kept as it stands.
     return Invoke(
-        __func__, "FinishWithInternalError", [&](int& result) { m_proxy->ReadyToShowUI(Bytes(appName), result); },
+        __func__, "FinishWithInternalError",
+        [&](int& result) { m_proxy->ReadyToShowUI(Bytes(appName), result); },
         "Proxy: ApplicationController::ReadyToShowUI {}", appName);
 }
 

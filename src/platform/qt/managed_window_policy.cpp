@@ -3,12 +3,12 @@
 #include <diagnostics/log.h>
 #include <diagnostics/qstring_formatter.h>
 
+#include <private/qwindow_p.h>
+#include <qpa/qplatformwindow.h>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QWindow>
-#include <private/qwindow_p.h>
-#include <qpa/qplatformwindow.h>
 
 #include <algorithm>
 #include <cstdlib>

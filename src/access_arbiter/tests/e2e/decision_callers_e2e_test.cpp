@@ -15,10 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kApproveX = 234;
-constexpr int kDeclineX = 86;
-constexpr int kButtonY = 110;
-
 class DecisionCallers : public testing::Test {
 protected:
     void SetUp() override {

@@ -21,10 +21,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kApproveX = 234;
-constexpr int kDeclineX = 86;
-constexpr int kButtonY = 110;
-
 std::string Trimmed(std::string text) {
     while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
         text.pop_back();
@@ -35,7 +31,8 @@ std::string Trimmed(std::string text) {
 // The last window id of an xprop list ("… window id # 0x600006, 0x800009"), in xdotool's decimal form.
 std::string LastListedWindow(const std::string& xpropLine) {
     const auto at = xpropLine.rfind("0x");
-    return at == std::string::npos ? std::string() : std::to_string(std::stoul(xpropLine.substr(at), nullptr, 16));
+    return at == std::string::npos ? std::string()
+                                   : std::to_string(std::stoul(xpropLine.substr(at), nullptr, 16));
 }
 
 std::string ActiveWindow() {
@@ -110,7 +107,8 @@ protected:
 
 TEST_F(WindowManager, TheDialogOpensAboveTheFullScreenWindowAPersonWorksInAndTakesTheFocus) {
     ChildProcess terminal({"/usr/bin/xterm"}, m_session.Directory() + "/xterm");
-    const std::string busy = Trimmed(RunCommand("timeout 20 xdotool search --sync --onlyvisible --class XTerm"));
+    const std::string busy =
+        Trimmed(RunCommand("timeout 20 xdotool search --sync --onlyvisible --class XTerm"));
     ASSERT_FALSE(busy.empty()) << "xterm did not show";
     RunCommand("wmctrl -i -r " + busy + " -b add,fullscreen && wmctrl -i -a " + busy);
     m_session.Click(busy, 100, 100);
@@ -140,7 +138,8 @@ TEST_F(WindowManager, ACloseThroughTheWindowManagerLeavesTheDialogUpAndItsClickS
     std::ostringstream hex;
     hex << "0x" << std::hex << std::stoul(window);
     RunCommand("wmctrl -i -c " + hex.str());
-    EXPECT_TRUE(m_session.WaitForLog("asked to close the window 'AccessArbiter'; refused", 10s)) << m_session.Log();
+    EXPECT_TRUE(m_session.WaitForLog("asked to close the window 'AccessArbiter'; refused", 10s))
+        << m_session.Log();
     std::this_thread::sleep_for(500ms);
     EXPECT_EQ(m_session.ShownWindows().size(), 1U) << "the close took the dialog down";
     EXPECT_TRUE(caller->Running()) << caller->Output();

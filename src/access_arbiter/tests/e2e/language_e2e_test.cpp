@@ -138,7 +138,8 @@ TEST_F(Language, AStopWhileTheServiceIsWaitedForEndsTheProgramByItsSignal) {
         << m_session.Log();
     m_session.Manager().Signal(SIGTERM);
     EXPECT_EQ(m_session.Manager().Wait(60s), 0);
-    EXPECT_EQ(m_session.CountInLog("Hosted platform: signal 15 (Terminated) came before the event loop runs"), 1U)
+    EXPECT_EQ(m_session.CountInLog("Hosted platform: signal 15 (Terminated) came before the event loop runs"),
+              1U)
         << m_session.Log();
     EXPECT_EQ(m_session.CountInLog("]: killed by signal 15 (stopped)"), 1U) << m_session.Log();
     EXPECT_EQ(m_session.CountInLog("sending SIGKILL"), 0U) << m_session.Log();

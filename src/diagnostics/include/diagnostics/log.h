@@ -9,20 +9,14 @@
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/log_level.h>
 
-#define HL_LOG(level, ...)                                                                                   \
-    do {                                                                                                     \
-        auto& hlRootLogger_ = ::hos::logger::HOSLogger::RootLogger();                                        \
-        if (hlRootLogger_.IsEnabled(level)) {                                                                \
-            hlRootLogger_.Log((level), __FILE__, __LINE__, static_cast<const char*>(__func__), __VA_ARGS__); \
-        }                                                                                                    \
-    } while (false)
+#define HL_LOG(level, ...) HL_LOG_FOR((level), __func__, __VA_ARGS__)
 
 // The same for a shared path that logs on behalf of the operation that called it: `function` (a
 // C string, usually the caller's __func__) is handed over as the record's function name.
-#define HL_LOG_FOR(level, function, ...)                                                           \
-    do {                                                                                           \
-        auto& hlRootLogger_ = ::hos::logger::HOSLogger::RootLogger();                              \
-        if (hlRootLogger_.IsEnabled(level)) {                                                      \
+#define HL_LOG_FOR(level, function, ...)                                                                     \
+    do {                                                                                                     \
+        auto& hlRootLogger_ = ::hos::logger::HOSLogger::RootLogger();                                        \
+        if (hlRootLogger_.IsEnabled(level)) {                                                                \
             hlRootLogger_.Log((level), __FILE__, __LINE__, static_cast<const char*>(function), __VA_ARGS__); \
-        }                                                                                          \
+        }                                                                                                    \
     } while (false)

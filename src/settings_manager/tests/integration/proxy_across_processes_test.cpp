@@ -163,7 +163,8 @@ TEST_F(ProxyAcrossProcesses, AServiceThatDiesMidExchangeGivesAnErrorNotAHang) {
 TEST_F(ProxyAcrossProcesses, AProxyThatNoSharedPtrOwnsRefusesItsInterfacesWithACode) {
     ASSERT_NO_FATAL_FAILURE(Start());
     hos::logger::LogCaptureForTesting log;
-    settings_manager::ipc::SettingsManagerProxy proxy(settings_manager::ipc::SettingsManagerCmConfig{kService, 5000});
+    settings_manager::ipc::SettingsManagerProxy proxy(
+        settings_manager::ipc::SettingsManagerCmConfig{kService, 5000});
     std::shared_ptr<settings_manager::ISettingsGetter> getter;
     EXPECT_EQ(proxy.GetSettingsGetter(getter), static_cast<std::int32_t>(0x80000001u));
     EXPECT_EQ(getter, nullptr);

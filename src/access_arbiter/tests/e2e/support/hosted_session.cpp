@@ -344,7 +344,7 @@ void HostedSession::Click(const std::string& window, int x, int y) const {
     // Let the first frame settle before the click, as a person would.
     std::this_thread::sleep_for(300ms);
     RunCommand("xdotool mousemove --window " + window + " " + std::to_string(x) + " " + std::to_string(y) +
-          " click 1");
+               " click 1");
 }
 
 void HostedSession::Keys(const std::string& keys) const {

@@ -18,6 +18,11 @@
 
 namespace access_arbiter::e2e {
 
+// Where the buttons of the 320x156 dialog are, in the window's own coordinates.
+inline constexpr int kApproveX = 234;
+inline constexpr int kDeclineX = 86;
+inline constexpr int kButtonY = 110;
+
 // Runs `command` with the shell and returns what it printed on standard output.
 std::string RunCommand(const std::string& command);
 
