@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <ctime>
 
 namespace hos::logger {
@@ -12,8 +14,10 @@ namespace {
 
 class StderrLoggerImpl final : public DefaultLoggerImpl {
 public:
+    explicit StderrLoggerImpl(bool journal) : m_journal(journal) {}
+
     void Write(const LogRecord& record) override {
-        const std::string line = FormatLogLine(record);
+        const std::string line = m_journal ? FormatJournalLine(record) : FormatLogLine(record);
         const char* data = line.data();
         std::size_t left = line.size();
         while (left > 0) {
@@ -28,7 +32,26 @@ public:
             left -= static_cast<std::size_t>(written);
         }
     }
+
+private:
+    const bool m_journal;
 };
+
+// The syslog priority that sd-daemon(3) reads from a "<N>" prefix.
+int JournalPriority(LogLevel level) {
+    switch (level) {
+        case LogLevel::Critical:
+            return 2;
+        case LogLevel::Error:
+            return 3;
+        case LogLevel::Warning:
+            return 4;
+        case LogLevel::Info:
+            return 6;
+        default:
+            return 7;
+    }
+}
 
 void AppendEscaped(std::string& out, std::string_view text) {
     for (const char c : text) {
@@ -49,8 +72,28 @@ void AppendEscaped(std::string& out, std::string_view text) {
 
 }  // namespace
 
+bool StandardErrorIsTheJournal() {
+    // systemd sets JOURNAL_STREAM to "DEVICE:INODE" of the stream it connects to standard error; a
+    // process whose standard error was redirected since has another one.
+    const char* stream = std::getenv("JOURNAL_STREAM");
+    struct stat status {};
+    if (stream == nullptr || ::fstat(STDERR_FILENO, &status) != 0) {
+        return false;
+    }
+    return fmt::format("{}:{}", status.st_dev, status.st_ino) == stream;
+}
+
 std::unique_ptr<DefaultLoggerImpl> CreateStderrLoggerImpl() {
-    return std::make_unique<StderrLoggerImpl>();
+    return std::make_unique<StderrLoggerImpl>(StandardErrorIsTheJournal());
+}
+
+std::string FormatJournalLine(const LogRecord& record) {
+    std::string line =
+        fmt::format("<{}>{:<8} [{}] {} {}:{} {}: ", JournalPriority(record.level), LogLevelName(record.level),
+                    record.tag, record.threadId, record.file, record.line, record.function);
+    AppendEscaped(line, record.message);
+    line += '\n';
+    return line;
 }
 
 std::string FormatLogLine(const LogRecord& record) {

@@ -6,6 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include <fmt/format.h>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <memory>
 #include <regex>
 #include <string>
@@ -107,6 +115,46 @@ TEST(HOSLogger, DefaultOutputWritesOneWellFormedEscapedLineToStandardError) {
     const std::regex line(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z WARNING  \[ACCESSARB\] \d+ )"
                           R"(\S*hos_logger_test\.cpp:\d+ TestBody: Decision 1 received\\n\\tend \\x01\n)");
     EXPECT_TRUE(std::regex_match(text, line)) << text;
+}
+
+// Under systemd, standard error is a stream socket to the journal that JOURNAL_STREAM names by its
+// device and inode: lines then carry their priority for the journal and no time stamp of their own.
+TEST(HOSLogger, OnTheJournalsStreamLinesCarryTheirPriorityAndNoTimeStamp) {
+    int journal[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, journal), 0);
+    const int savedStderr = dup(STDERR_FILENO);
+    ASSERT_GE(dup2(journal[0], STDERR_FILENO), 0);
+    struct stat stream {};
+    fstat(STDERR_FILENO, &stream);
+    setenv("JOURNAL_STREAM", fmt::format("{}:{}", stream.st_dev, stream.st_ino).c_str(), 1);
+    EXPECT_TRUE(hos::logger::StandardErrorIsTheJournal());
+    {
+        DefaultSetupRestorer restorer;
+        HOSLogger::Setup("ACCESSARB", LogLevel::Info, nullptr);
+        HL_LOG(LogLevel::Critical, "critical");
+        HL_LOG(LogLevel::Error, "error");
+        HL_LOG(LogLevel::Warning, "warning");
+        HL_LOG(LogLevel::Info, "info");
+    }
+    dup2(savedStderr, STDERR_FILENO);
+    close(savedStderr);
+    close(journal[0]);
+    // Standard error is no longer that stream: the variable is left from a parent and not ours.
+    EXPECT_FALSE(hos::logger::StandardErrorIsTheJournal());
+    unsetenv("JOURNAL_STREAM");
+
+    std::string text;
+    char buffer[512];
+    fcntl(journal[1], F_SETFL, O_NONBLOCK);
+    for (ssize_t n; (n = read(journal[1], buffer, sizeof(buffer))) > 0;) {
+        text.append(buffer, static_cast<std::size_t>(n));
+    }
+    close(journal[1]);
+    const std::regex lines(R"(<2>CRITICAL \[ACCESSARB\] \d+ \S*hos_logger_test\.cpp:\d+ TestBody: critical\n)"
+                           R"(<3>ERROR    \[ACCESSARB\] \d+ \S*hos_logger_test\.cpp:\d+ TestBody: error\n)"
+                           R"(<4>WARNING  \[ACCESSARB\] \d+ \S*hos_logger_test\.cpp:\d+ TestBody: warning\n)"
+                           R"(<6>INFO     \[ACCESSARB\] \d+ \S*hos_logger_test\.cpp:\d+ TestBody: info\n)");
+    EXPECT_TRUE(std::regex_match(text, lines)) << text;
 }
 
 }  // namespace
