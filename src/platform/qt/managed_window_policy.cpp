@@ -107,7 +107,9 @@ void ManagedWindowPolicy::OnShow(QWindow& window) {
 }
 
 void ManagedWindowPolicy::ScheduleMapCheck() {
-    if (!m_mapCheck.isActive()) {
+    // Only an X11 window manager takes over map requests; a Wayland surface is the compositor's to
+    // show once it has configured it, and withdrawing it would only make a new surface.
+    if (!m_mapCheck.isActive() && QGuiApplication::platformName() == QLatin1String("xcb")) {
         m_mapCheck.start(m_mapCheckDelay);
     }
 }

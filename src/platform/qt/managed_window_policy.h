@@ -9,8 +9,8 @@
 //     compositor's close) for a shown window is refused with one log line: the application hides
 //     its own windows. The application's own QWindow::close(), and so the end of its event loop,
 //     which closes every window, is not refused;
-//   - a window that the application shows but the display has not mapped after a moment (a window
-//     manager that starts or restarts around the map) is mapped again, with one log line, after
+//   - on X11, a window that the application shows but the display has not mapped after a moment (a
+//     window manager that starts or restarts around the map) is mapped again, with one log line, after
 //     250 ms, then after 0.5, 1 and 2 s, and every 2 s for as long as it stays unmapped;
 //   - the desktop file name, unless the application set one, is the application's name, which is
 //     also the class of its X11 WM_CLASS; a desktop entry of that name matches its windows.
