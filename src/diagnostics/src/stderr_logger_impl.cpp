@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
+#include <iterator>
 
 namespace hos::logger {
 namespace {
@@ -70,6 +71,15 @@ void AppendEscaped(std::string& out, std::string_view text) {
     }
 }
 
+// What both forms of a line share after their prefix: level, tag, thread, source, function and the
+// escaped message, with the line's end.
+void AppendRecord(std::string& line, const LogRecord& record) {
+    fmt::format_to(std::back_inserter(line), "{:<8} [{}] {} {}:{} {}: ", LogLevelName(record.level),
+                   record.tag, record.threadId, record.file, record.line, record.function);
+    AppendEscaped(line, record.message);
+    line += '\n';
+}
+
 }  // namespace
 
 bool StandardErrorIsTheJournal() {
@@ -88,11 +98,8 @@ std::unique_ptr<DefaultLoggerImpl> CreateStderrLoggerImpl() {
 }
 
 std::string FormatJournalLine(const LogRecord& record) {
-    std::string line =
-        fmt::format("<{}>{:<8} [{}] {} {}:{} {}: ", JournalPriority(record.level), LogLevelName(record.level),
-                    record.tag, record.threadId, record.file, record.line, record.function);
-    AppendEscaped(line, record.message);
-    line += '\n';
+    std::string line = fmt::format("<{}>", JournalPriority(record.level));
+    AppendRecord(line, record);
     return line;
 }
 
@@ -106,11 +113,8 @@ std::string FormatLogLine(const LogRecord& record) {
     char stamp[32];
     std::strftime(stamp, sizeof(stamp), "%Y-%m-%dT%H:%M:%S", &utc);
 
-    std::string line =
-        fmt::format("{}.{:06d}Z {:<8} [{}] {} {}:{} {}: ", stamp, micros.count(), LogLevelName(record.level),
-                    record.tag, record.threadId, record.file, record.line, record.function);
-    AppendEscaped(line, record.message);
-    line += '\n';
+    std::string line = fmt::format("{}.{:06d}Z ", stamp, micros.count());
+    AppendRecord(line, record);
     return line;
 }
 
