@@ -166,32 +166,6 @@ TEST_F(WindowManager, TabTabReturnApprovesThroughTheKeyboard) {
     EXPECT_EQ(caller->Output(), "approved\n");
 }
 
-// Keys that reach the dialog before it is gone make two decisions for one request. The second is
-// kept and answers the next request at once, before anyone sees a choice: that is how the decision
-// queue works. That request still brings the dialog up, and it stays for the request after.
-TEST_F(WindowManager, ASecondDecisionTypedBeforeTheDialogIsGoneAnswersTheNextRequestAtOnce) {
-    std::unique_ptr<ChildProcess> caller;
-    const std::string window = ShownAndFocused(caller);
-    ASSERT_FALSE(window.empty());
-    std::this_thread::sleep_for(300ms);
-    m_session.Keys("Tab Tab");
-    std::this_thread::sleep_for(300ms);
-    // No delay: both Returns are in the dialog's queue before its first click hides it.
-    RunCommand("xdotool key --delay 0 Return Return");
-    EXPECT_EQ(caller->Wait(30s), 0) << caller->Output();
-    ASSERT_TRUE(m_session.WaitHidden(10s));
-
-    auto next = m_session.Ask();
-    EXPECT_EQ(next->Wait(30s), 0) << "the kept decision did not answer: " << next->Output();
-    EXPECT_EQ(m_session.CountInLog("OnAccessDecisionReceived: decision = 1"), 2U) << m_session.Log();
-
-    const std::string left = m_session.WaitShown(30s);
-    ASSERT_FALSE(left.empty()) << "the answered request brought no dialog up";
-    auto after = m_session.Ask();
-    m_session.Click(left, kDeclineX, kButtonY);
-    EXPECT_EQ(after->Wait(30s), 1) << after->Output();
-}
-
 TEST_F(WindowManager, EveryRequestSentAsTheWindowManagerStartsOrRestartsShowsTheDialog) {
     for (int request = 0; request < 50; ++request) {
         SCOPED_TRACE(request);
