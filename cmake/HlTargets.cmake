@@ -1,7 +1,7 @@
 # One helper per target kind, so that each folder's CMakeLists stays a few lines.
 #
 #   hl_add_library(NAME SOURCES ... [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [INCLUDE_DIR dir])
-#   hl_add_executable(NAME SOURCES ... [DEPS ...])
+#   hl_add_executable(NAME [PRODUCT] SOURCES ... [DEPS ...])
 #   hl_add_test(NAME SOURCES ... [DEPS ...] [LABELS unit|integration|e2e|visual ...] [ENV K=V ...])
 #   hl_add_qml_test(NAME SOURCES ... [DEPS ...] [QML_DIR dir] [LABELS ...])
 #   hl_add_benchmark(NAME SOURCES ... [DEPS ...])
@@ -30,12 +30,17 @@ function(hl_add_library name)
   hl_apply_warnings(${name})
 endfunction()
 
+# A PRODUCT executable is one a person runs: it is built in <build>/bin, beside the others, as they
+# are installed, so that each finds the others beside itself in both places.
 function(hl_add_executable name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "PRODUCT" "" "SOURCES;DEPS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${ARG_DEPS})
   hl_apply_warnings(${name})
+  if(ARG_PRODUCT)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+  endif()
 endfunction()
 
 # Environment every test runs with: no display, a private runtime directory for the hosted platform.

@@ -30,18 +30,17 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
    AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-appmgr/CMakeLists.txt"
    AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-ask/CMakeLists.txt"
    AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-settingsd/CMakeLists.txt"
-   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-settings/CMakeLists.txt")
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hl-settings/CMakeLists.txt"
+   AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hosted-session/CMakeLists.txt")
   set(_aa_e2e "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e")
   hl_add_test(hl_access_arbiter_callers_e2e_tests
     SOURCES "${_aa_e2e}/decision_callers_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
     LABELS e2e
-    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 300)
   hl_add_test(hl_access_arbiter_session_faults_e2e_tests
     SOURCES "${_aa_e2e}/session_faults_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
             "${CMAKE_SOURCE_DIR}/src/platform/tests/support/raw_socket.cpp"
     LABELS e2e
-    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 300)
   # A client of the generated proxy reads the shown dialog's pixels and clicks it (captured with
   # ImageMagick's import); a held server name fails the start.
@@ -49,21 +48,18 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     SOURCES "${_aa_e2e}/shown_window_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
     DEPS hl_access_arbiter
     LABELS e2e
-    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 300)
   # The language read from the settings service; one case waits out the connection attempts (5 min).
   hl_add_test(hl_access_arbiter_language_e2e_tests
     SOURCES "${_aa_e2e}/language_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
     DEPS Qt6::Gui
     LABELS e2e
-    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 480)
   # The dialog on a desktop: openbox as the window manager, the keyboard, a screen reader's AT-SPI
   # client on a D-Bus session of the test's own, and a run of many requests (HL_SOAK_REQUESTS).
   hl_add_test(hl_access_arbiter_desktop_e2e_tests
     SOURCES "${_aa_e2e}/desktop_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
     LABELS e2e
-    ENV "FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tools/hosted-session/fontconfig/fonts.conf"
     TIMEOUT 300)
   if(TARGET hl_access_arbiter_desktop_e2e_tests)
     target_compile_definitions(hl_access_arbiter_desktop_e2e_tests PRIVATE
@@ -75,12 +71,10 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
                      hl_access_arbiter_desktop_e2e_tests)
     if(TARGET ${_aa_target})
       target_include_directories(${_aa_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
-      target_compile_definitions(${_aa_target} PRIVATE
-        HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
-        HL_APPMGR_EXECUTABLE="$<TARGET_FILE:hl-appmgr>"
-        HL_ASK_EXECUTABLE="$<TARGET_FILE:hl-ask>"
-        HL_SETTINGSD_EXECUTABLE="$<TARGET_FILE:hl-settingsd>"
-        HL_SETTINGS_EXECUTABLE="$<TARGET_FILE:hl-settings>")
+      # The session finds the executables and its font configuration in the build tree's bin/, as
+      # it finds them installed.
+      target_link_libraries(${_aa_target} PRIVATE hl_hosted_session)
+      target_compile_definitions(${_aa_target} PRIVATE HL_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
       add_dependencies(${_aa_target} access_arbiter hl-appmgr hl-ask hl-settingsd hl-settings)
     endif()
   endforeach()

@@ -1,12 +1,12 @@
-// A hosted session for the end-to-end tests, made of the real executables: an X server of its own
-// (Xvfb, one per test process), a runtime directory of its own, hl-settingsd serving the
-// non-persistent settings, and hl-appmgr running AccessArbiter as a person's session would, with both
-// writing to one log file. Helpers start hl-ask, look at the
-// program's window on the X server and click it with real X input events (xdotool).
+// The hosted session of the end-to-end tests: the session of the build tree's executables on an X
+// server of the tests' own (Xvfb, one per test process), with helpers that look at the program's
+// window on the X server, click it and type into it with real X input events (xdotool), and run a
+// real window manager (openbox).
 //
-// Thread: the test's thread only. The session owns the manager's process: its destructor stops it
-// with SIGTERM (which ends AccessArbiter normally) and SIGKILL after 20 s.
+// Thread: the test's thread only.
 #pragma once
+
+#include <hosted_session/session.h>
 
 #include <sys/types.h>
 
@@ -26,28 +26,10 @@ inline constexpr int kButtonY = 110;
 // Runs `command` with the shell and returns what it printed on standard output.
 std::string RunCommand(const std::string& command);
 
-// A child process with its standard output in a file; the destructor kills and reaps a running one.
-class ChildProcess {
-public:
-    ChildProcess(const std::vector<std::string>& arguments, const std::string& outputPath);
-    ~ChildProcess();
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
+using hl::hosted_session::ChildProcess;
 
-    pid_t Pid() const { return m_pid; }
-    // The exit status (128 + signal for a killed one), or nothing if it has not ended within `timeout`.
-    std::optional<int> Wait(std::chrono::milliseconds timeout);
-    bool Running();
-    void Signal(int signalNumber) const;
-    std::string Output() const;
-
-private:
-    pid_t m_pid = -1;
-    std::optional<int> m_status;
-    std::string m_outputPath;
-};
-
-class HostedSession {
+// The hosted session of the build tree's executables, with what the tests do on its X server.
+class HostedSession : public hl::hosted_session::Session {
 public:
     // Starts Xvfb and sets DISPLAY (once per process); false if it does not come up.
     static bool StartDisplay();
@@ -59,38 +41,6 @@ public:
     static void StopWindowManager();
 
     HostedSession();
-    ~HostedSession();
-    HostedSession(const HostedSession&) = delete;
-    HostedSession& operator=(const HostedSession&) = delete;
-
-    // hl-settingsd for "hl.settings_manager.MSmgr", `options` before the name (none: its shipped
-    // defaults, which hold the language "en-US"); waits for its "ready".
-    bool StartSettings(const std::vector<std::string>& options = {});
-    // hl-settings with `arguments`, against this session's services; its exit status, -1 if it hangs.
-    int SettingsTool(const std::vector<std::string>& arguments);
-
-    // hl-appmgr run --unit FILE, the unit being AccessArbiter's program and name followed by
-    // `unitLines` ("key=value" lines); the manager and the program append to the log. Waits for the
-    // program's ReadyToShowUI. Starts hl-settingsd first when none runs yet. Called again once the
-    // manager has gone, it starts another.
-    bool Start(const std::string& unitLines = "restart=no\n");
-    // The manager alone: no settings service is started, and nothing is waited for.
-    void StartManager(const std::string& unitLines);
-    ChildProcess& Manager() { return *m_manager; }
-    // Stops the manager with SIGTERM and waits for it; true when it ended with 0 and its application
-    // exited with status 0, as a normal stop does (a sanitizer's report in the program changes that).
-    bool Stop();
-
-    const std::string& Directory() const { return m_directory; }
-    std::string Log() const;
-    // Waits until the log holds `text` `count` times.
-    bool WaitForLog(const std::string& text, std::chrono::seconds timeout, std::size_t count = 1) const;
-    std::size_t CountInLog(const std::string& text) const;
-    // The program's pid as the manager's last start line gives it, or -1.
-    pid_t ProgramPid() const;
-
-    // hl-ask with `options`, its answer in a file of its own.
-    std::unique_ptr<ChildProcess> Ask(const std::vector<std::string>& options = {});
 
     // The X windows of AccessArbiter that are mapped (viewable) now.
     std::vector<std::string> ShownWindows() const;
@@ -103,12 +53,6 @@ public:
     void Keys(const std::string& keys) const;
     // The program's resident set size in KiB, from /proc; 0 if it can't be read.
     long ProgramRssKiB() const;
-
-private:
-    std::string m_directory;
-    std::unique_ptr<ChildProcess> m_settings;
-    std::unique_ptr<ChildProcess> m_manager;
-    int m_asks = 0;
 };
 
 }  // namespace access_arbiter::e2e
