@@ -1,89 +1,70 @@
 #!/usr/bin/env bash
-# The hosted session end to end on a real X server (Xvfb): hl-appmgr starts the real AccessArbiter,
-# hl-ask asks, real X clicks (xdotool) on Approve and then on Decline give exit codes 0 and 1, and
-# SIGTERM to hl-appmgr ends the program with a normal stop and the manager cleanly. The manager's log
-# of the whole run then holds exactly GetUpdateHandle, ReadyToInitialize, ReadyToShowUI, Pings and
-# StateChanged(-2) from the program, in that order, with Pings never closer than 1000 ms. SETTINGS
-# serves the non-persistent settings the program reads its language from.
-#   e2e_session_test.sh HL_APPMGR ACCESS_ARBITER HL_ASK SETTINGS
+# The hosted session end to end as hl-session runs it, on a private Xvfb: hl-appmgr starts the real
+# AccessArbiter, hl-ask asks, real X clicks (xdotool) on Approve and then on Decline give exit codes 0
+# and 1, and the end of the session (SIGTERM to hl-appmgr) ends the program with a normal stop and the
+# manager cleanly. The manager's log of the whole run then holds exactly GetUpdateHandle,
+# ReadyToInitialize, ReadyToShowUI, Pings and StateChanged(-2) from the program, in that order, with
+# Pings never closer than 1000 ms, and nothing of the session is left running.
+#   e2e_session_test.sh BIN_DIR
 set -uo pipefail
-APPMGR=$1
-PROGRAM=$2
-ASK=$3
-SETTINGS=$4
+BIN=$1
 WORK=$(mktemp -d)
-export HL_RUNTIME_DIR="$WORK/rt"
-export QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software
-XVFB="" MANAGER="" SETTINGSD=""
-fail() { echo "FAIL: $*" >&2; cat "$WORK/log" >&2 2>/dev/null; exit 1; }
-cleanup() {
-  [ -n "$MANAGER" ] && kill "$MANAGER" 2>/dev/null
-  [ -n "$XVFB" ] && kill "$XVFB" 2>/dev/null
-  [ -n "$SETTINGSD" ] && kill "$SETTINGSD" 2>/dev/null
-  wait 2>/dev/null; rm -rf "$WORK"
-}
-trap cleanup EXIT
+LOG="$WORK/session/session.log"
+fail() { echo "FAIL: $*" >&2; cat "$LOG" >&2 2>/dev/null; exit 1; }
+trap 'rm -rf "$WORK"' EXIT
 
-Xvfb -displayfd 6 -screen 0 1280x1024x24 -nolisten tcp 6> "$WORK/display" 2> /dev/null &
-XVFB=$!
-for _ in $(seq 100); do [ -s "$WORK/display" ] && break; sleep 0.1; done
-[ -s "$WORK/display" ] || fail "Xvfb did not start"
-export DISPLAY=":$(head -1 "$WORK/display")"
-
-"$SETTINGS" hl.settings_manager.MSmgr > /dev/null 2>&1 &
-SETTINGSD=$!
-
-"$APPMGR" run --name AccessArbiter -- "$PROGRAM" 2> "$WORK/log" &
-MANAGER=$!
-
+# What a person does in the session: two requests, each answered by a click, then a few seconds of
+# Pings for their cadence.
+cat > "$WORK/in-session.sh" <<'IN'
+set -uo pipefail
+LOG=$1
 # ask X Y EXPECTED_CODE EXPECTED_TEXT: one request answered by a click at (X, Y) of the dialog.
 ask() {
-  "$ASK" --wait-for-service 60000 --timeout 120000 > "$WORK/answer" 2> "$WORK/ask.err" &
+  hl-ask --timeout 120000 > "$LOG.answer" 2> "$LOG.ask-err" &
   local asker=$!
   local window
   window=$(timeout 60 xdotool search --sync --onlyvisible --name '^AccessArbiter$' | head -1)
-  [ -n "$window" ] || fail "the dialog was not mapped"
+  [ -n "$window" ] || { echo "the dialog was not mapped" >&2; exit 10; }
   sleep 0.5
   xdotool mousemove --window "$window" "$1" "$2" click 1
   wait "$asker"
   local rc=$?
-  [ $rc -eq "$3" ] || fail "hl-ask exited $rc, not $3: $(cat "$WORK/ask.err")"
-  [ "$(cat "$WORK/answer")" = "$4" ] || fail "hl-ask printed '$(cat "$WORK/answer")', not $4"
+  [ $rc -eq "$3" ] || { echo "hl-ask exited $rc, not $3: $(cat "$LOG.ask-err")" >&2; exit 11; }
+  [ "$(cat "$LOG.answer")" = "$4" ] || { echo "hl-ask printed '$(cat "$LOG.answer")', not $4" >&2; exit 12; }
   # The click hides the dialog before the next request.
   for _ in $(seq 100); do
     xdotool search --onlyvisible --name '^AccessArbiter$' > /dev/null 2>&1 || return 0
     sleep 0.1
   done
-  fail "the dialog stayed up after the click"
+  echo "the dialog stayed up after the click" >&2; exit 13
 }
 ask 234 110 0 approved
 ask 86 110 1 declined
-
-pid=$(grep -oE 'AccessArbiter\[[0-9]+\]: started' "$WORK/log" | head -1 | grep -oE '[0-9]+')
-[ -n "$pid" ] || fail "no start line"
-kill -0 "$pid" || fail "the program is not running after two requests"
-[ "$(grep -cE 'AccessArbiter\[[0-9]+\]: started' "$WORK/log")" -eq 1 ] || fail "the program was restarted"
-
-# A few seconds of pings for the cadence.
 for _ in $(seq 100); do
-  [ "$(grep -cE "AccessArbiter\[$pid\]: Ping$" "$WORK/log")" -ge 6 ] && break
+  [ "$(grep -cE "AccessArbiter\[[0-9]+\]: Ping$" "$LOG")" -ge 6 ] && break
   sleep 0.1
 done
+IN
 
-kill -TERM "$MANAGER"
-wait "$MANAGER"; rc=$?
-MANAGER=""
-[ $rc -eq 0 ] || fail "hl-appmgr exited $rc"
-grep -qE "AccessArbiter\[$pid\]: stopping \(SIGTERM\)" "$WORK/log" || fail "no stop line"
+PATH="$BIN:$PATH" "$BIN/hl-session" --xvfb --quiet --directory "$WORK/session" -- bash "$WORK/in-session.sh" "$LOG"
+rc=$?
+[ $rc -eq 0 ] || fail "the session's command exited $rc"
+
+pid=$(grep -oE 'AccessArbiter\[[0-9]+\]: started' "$LOG" | head -1 | grep -oE '[0-9]+')
+[ -n "$pid" ] || fail "no start line"
+[ "$(grep -cE 'AccessArbiter\[[0-9]+\]: started' "$LOG")" -eq 1 ] || fail "the program was restarted"
+grep -qE "AccessArbiter\[$pid\]: stopping \(SIGTERM\)" "$LOG" || fail "no stop line"
 # A normal stop: the signal ends the event loop, the program reports and exits 0 by itself.
-grep -qE "AccessArbiter\[$pid\]: exited with status 0 \(stopped\)" "$WORK/log" || fail "no normal stop"
-grep -q "AccessArbiter stopped with code 0" "$WORK/log" || fail "the program did not log its stop"
+grep -qE "AccessArbiter\[$pid\]: exited with status 0 \(stopped\)" "$LOG" || fail "no normal stop"
+grep -q "AccessArbiter stopped with code 0" "$LOG" || fail "the program did not log its stop"
+grep -q "hl-appmgr stopped" "$LOG" || fail "the manager did not end cleanly"
 # The dialog's document outlives the view it binds to; the teardown must not trip a script error.
-! grep -q "TypeError" "$WORK/log" || fail "a script error in the log: $(grep "TypeError" "$WORK/log")"
-kill -0 "$pid" 2>/dev/null && fail "the program outlived the manager"
+! grep -q "TypeError" "$LOG" || fail "a script error in the log: $(grep "TypeError" "$LOG")"
+kill -0 "$pid" 2>/dev/null && fail "the program outlived the session"
+pgrep -f "$WORK/session" > /dev/null && fail "a process of the session outlived it: $(pgrep -af "$WORK/session")"
 
 # Every call the manager recorded from the program, in order, and the spacing of its Pings.
-python3 - "$WORK/log" "$pid" <<'PY' || fail "the recorded lifecycle is wrong"
+python3 - "$LOG" "$pid" <<'PY' || fail "the recorded lifecycle is wrong"
 import datetime, re, sys
 log, pid = sys.argv[1], sys.argv[2]
 calls = []
