@@ -24,7 +24,6 @@ log=$(mktemp "${TMPDIR:-/tmp}/hl-soak.XXXXXX")
 trap 'rm -f "$log"' EXIT
 started=$(date +%s)
 QT_QUICK_BACKEND="${QT_QUICK_BACKEND:-software}" HL_SOAK_REQUESTS="$requests" \
-  FONTCONFIG_FILE="$PWD/tools/hosted-session/fontconfig/fonts.conf" \
   build/default/src/access_arbiter/hl_access_arbiter_desktop_e2e_tests --gtest_filter='Soak.*' > "$log" 2>&1 || true
 line=$(grep '^soak: ' "$log" || true)
 [ -n "$line" ] || { cat "$log" >&2; echo "soak-dialog: the run did not finish" >&2; exit 3; }

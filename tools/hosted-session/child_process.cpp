@@ -1,7 +1,9 @@
 #include <hosted_session/child_process.h>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/syscall.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -56,13 +58,19 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Spaw
     if (spawned != 0) {
         m_pid = -1;
         m_error = "can't start " + arguments[0] + ": " + std::strerror(spawned);
+        return;
     }
+    // Readable once the process has ended: Wait sleeps on it instead of polling.
+    m_endDescriptor = static_cast<int>(::syscall(SYS_pidfd_open, m_pid, 0));
 }
 
 ChildProcess::~ChildProcess() {
     if (Running()) {
         kill(m_pid, SIGKILL);
         Wait(10s);
+    }
+    if (m_endDescriptor >= 0) {
+        close(m_endDescriptor);
     }
 }
 
@@ -74,6 +82,10 @@ std::optional<int> ChildProcess::Wait(std::chrono::milliseconds timeout) {
             m_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
         } else if (std::chrono::steady_clock::now() >= deadline) {
             break;
+        } else if (m_endDescriptor >= 0) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+            pollfd end{m_endDescriptor, POLLIN, 0};
+            poll(&end, 1, static_cast<int>(left.count()));
         } else {
             std::this_thread::sleep_for(10ms);
         }

@@ -50,6 +50,7 @@ public:
 
 private:
     pid_t m_pid = -1;
+    int m_endDescriptor = -1;
     std::optional<int> m_status;
     std::string m_outputPath;
     std::string m_error;

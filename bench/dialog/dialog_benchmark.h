@@ -1,33 +1,43 @@
 // The dialog benchmark's measurements, in one run on one X server: for each Qt Quick backend the
 // program's starts under hl-appmgr, then the program resident and hidden, asked `requests` times
 // (each answered by an XTEST click on Approve), with as many one-shot zenity dialogs in between on
-// the first backend. See bench_options.cpp for what each quantity starts and ends with.
+// the first backend. See main.cpp's help for what each quantity starts and ends with.
 //
 // Thread: the driver's main thread; the requester's call runs on a thread of its own. Owns the X
 // observer; every process it starts is ended before Run returns.
 #pragma once
 
-#include "bench_options.h"
 #include "result_table.h"
 #include "x_observer.h"
 
+#include <hosted_session/session.h>
+
 #include <sys/types.h>
 
-#include <cstdio>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace access_arbiter::bench {
 
 class DecisionRequester;
 
+struct BenchOptions {
+    std::string zenity = "zenity";                  // empty: no zenity rows
+    int requests = 200;                             // measured requests per backend, after the first one
+    int starts = 30;                                // program starts per backend
+    std::vector<std::string> backends{"software"};  // QT_QUICK_BACKEND values; "default" unsets it
+    int settleMs = 200;  // pause after a map before memory is read and the click sent
+};
+
 class DialogBenchmark {
 public:
-    // `log` (may be null) receives the manager's and the program's lines; the caller keeps it open.
-    DialogBenchmark(BenchOptions options, std::unique_ptr<XObserver> x, std::FILE* log);
+    // `session` runs the program: its settings service already serves; the benchmark starts and
+    // stops the manager. Both outlive the benchmark.
+    DialogBenchmark(BenchOptions options, std::unique_ptr<XObserver> x, hl::hosted_session::Session& session);
 
     // Measures everything into `table`; 0, or 2 (set-up failed) or 3 (a measurement failed) with
     // Error() saying what happened.
@@ -55,7 +65,7 @@ private:
 
     const BenchOptions m_options;
     const std::unique_ptr<XObserver> m_x;
-    std::FILE* const m_log;
+    hl::hosted_session::Session& m_session;
     xcb_window_t m_dialog = XCB_WINDOW_NONE;
     std::string m_error;
 };

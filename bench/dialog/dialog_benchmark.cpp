@@ -1,12 +1,11 @@
 #include "dialog_benchmark.h"
 
 #include "decision_requester.h"
-#include "managed_program.h"
-#include "one_shot_dialog.h"
 #include "process_memory.h"
-#include "settings_service.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <ctime>
 
 namespace access_arbiter::bench {
 
@@ -43,10 +42,43 @@ std::pair<int, int> YesPoint(const XObserver::Geometry& window) {
     return {window.x + window.width - 50, window.y + window.height - 24};
 }
 
+// "2026-11-21T20:58:10.123456Z ..." as microseconds since the epoch; empty for another line.
+std::optional<std::int64_t> StampUs(const std::string& line) {
+    std::tm utc{};
+    int micros = 0;
+    if (std::sscanf(line.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d.%6dZ", &utc.tm_year, &utc.tm_mon, &utc.tm_mday,
+                    &utc.tm_hour, &utc.tm_min, &utc.tm_sec, &micros) != 7) {
+        return std::nullopt;
+    }
+    utc.tm_year -= 1900;
+    utc.tm_mon -= 1;
+    return static_cast<std::int64_t>(::timegm(&utc)) * 1000000 + micros;
+}
+
+// The manager's last "NAME[PID]: started" to the ReadyToShowUI after it, in ms by its own stamps.
+std::optional<double> LastStartToReadyMs(const std::string& log) {
+    const auto started = log.rfind("]: started ");
+    const auto ready = log.find("]: ReadyToShowUI", started == std::string::npos ? 0 : started);
+    if (started == std::string::npos || ready == std::string::npos) {
+        return std::nullopt;
+    }
+    const auto lineOf = [&log](std::size_t at) {
+        const auto begin = log.rfind('\n', at);
+        return log.substr(begin == std::string::npos ? 0 : begin + 1);
+    };
+    const auto from = StampUs(lineOf(started));
+    const auto to = StampUs(lineOf(ready));
+    if (!from || !to) {
+        return std::nullopt;
+    }
+    return static_cast<double>(*to - *from) / 1000.0;
+}
+
 }  // namespace
 
-DialogBenchmark::DialogBenchmark(BenchOptions options, std::unique_ptr<XObserver> x, std::FILE* log)
-    : m_options(std::move(options)), m_x(std::move(x)), m_log(log) {}
+DialogBenchmark::DialogBenchmark(BenchOptions options, std::unique_ptr<XObserver> x,
+                                 hl::hosted_session::Session& session)
+    : m_options(std::move(options)), m_x(std::move(x)), m_session(session) {}
 
 int DialogBenchmark::Fail(int code, std::string error) {
     m_error = std::move(error);
@@ -54,11 +86,6 @@ int DialogBenchmark::Fail(int code, std::string error) {
 }
 
 int DialogBenchmark::Run(ResultTable& table) {
-    SettingsService settings(m_options.settingsd);
-    std::string error;
-    if (!m_options.settingsd.empty() && !settings.Start(milliseconds(30000), error)) {
-        return Fail(2, error);
-    }
     ZenitySeries zenity;
     bool zenityDone = m_options.zenity.empty();
     for (const std::string& backend : m_options.backends) {
@@ -93,35 +120,29 @@ int DialogBenchmark::Run(ResultTable& table) {
 
 int DialogBenchmark::MeasureStarts(ProgramSeries& series) {
     for (int i = 0; i < m_options.starts; ++i) {
-        ManagedProgram program(m_options.appmgr, m_options.program, kName, m_log);
-        std::string error;
-        if (!program.Start(error)) {
-            return Fail(2, error);
-        }
-        const auto ready = program.WaitReady(kReadyLimit);
-        if (!ready) {
+        const bool ready = m_session.Start("restart=no\n", kReadyLimit);
+        const auto startMs = LastStartToReadyMs(m_session.Log());
+        m_session.Stop();
+        if (!ready || !startMs) {
             return Fail(2, "start " + std::to_string(i + 1) + ": the program did not report ReadyToShowUI");
         }
-        series.start.Add(*ready / 1000.0);
-        program.Stop();
+        series.start.Add(*startMs);
     }
     return 0;
 }
 
 int DialogBenchmark::MeasureResident(ProgramSeries& series, ZenitySeries* zenity) {
-    ManagedProgram program(m_options.appmgr, m_options.program, kName, m_log);
-    std::string error;
-    if (!program.Start(error)) {
-        return Fail(2, error);
-    }
-    if (!program.WaitReady(kReadyLimit)) {
+    if (!m_session.Start("restart=no\n", kReadyLimit)) {
+        m_session.Stop();
         return Fail(2, "the resident program did not report ReadyToShowUI");
     }
     DecisionRequester requester;
+    std::string error;
     if (!requester.Connect(milliseconds(30000), error)) {
+        m_session.Stop();
         return Fail(2, error);
     }
-    const pid_t pid = program.ProgramPid();
+    const pid_t pid = m_session.ProgramPid();
     // Resident and idle: a second for what the program does once after its start.
     m_x->Drain(Clock::now() + milliseconds(1000));
     if (const auto rss = ResidentMiB(pid)) {
@@ -135,11 +156,11 @@ int DialogBenchmark::MeasureResident(ProgramSeries& series, ZenitySeries* zenity
         }
         if (code != 0) {
             // Ending the program ends a call still waiting for its answer.
-            program.Stop();
+            m_session.Stop();
             return code;
         }
     }
-    program.Stop();
+    m_session.Stop();
     return 0;
 }
 
@@ -201,11 +222,13 @@ int DialogBenchmark::AskOnce(DecisionRequester& requester, pid_t program, bool f
 }
 
 int DialogBenchmark::ZenityOnce(ZenitySeries& series) {
-    OneShotDialog dialog(m_options.zenity);
-    std::string error;
     const auto spawned = Clock::now();
-    if (!dialog.Start(error)) {
-        return Fail(2, error);
+    hl::hosted_session::ChildProcess dialog(
+        {m_options.zenity, "--question", "--title", "Connection request", "--text",
+         "A user requests access to manage your device"},
+        "/dev/null");
+    if (!dialog.Started()) {
+        return Fail(2, dialog.Error());
     }
     const auto mapped = m_x->WaitForMap(dialog.Pid(), Clock::now() + kWindowLimit);
     if (!mapped) {
@@ -217,11 +240,11 @@ int DialogBenchmark::ZenityOnce(ZenitySeries& series) {
     if (!clicked) {
         return Fail(3, "zenity's geometry could not be read");
     }
-    const auto status = dialog.WaitExit();
+    const auto status = dialog.Wait(kWindowLimit);
     const auto exited = Clock::now();
     if (status != 0) {
         return Fail(3, "zenity did not answer yes to the click on Yes (status " +
-                           (status ? std::to_string(*status) : std::string("signal")) + ")");
+                           (status ? std::to_string(*status) : std::string("still running")) + ")");
     }
     series.map.Add(Ms(mapped->at - spawned));
     series.click.Add(Ms(exited - *clicked));
