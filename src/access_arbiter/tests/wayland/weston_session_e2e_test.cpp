@@ -4,14 +4,12 @@
 // keyboard focus; the keyboard set-up of that first focus runs on the program's own connection
 // (read from the program's Wayland protocol log); clicks reach the dialog through the compositor
 // (real X input events into weston's window, turned by weston into wl_pointer events) and decide.
+#include <hosted_session/session.h>
+#include <hosted_session/x_display.h>
+
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
 #include <stdlib.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -24,11 +22,10 @@
 #include <thread>
 #include <vector>
 
-extern char** environ;
-
 namespace {
 
 using namespace std::chrono_literals;
+using hl::hosted_session::ChildProcess;
 namespace fs = std::filesystem;
 
 constexpr const char* kSocket = "hl-e2e-wayland";
@@ -62,137 +59,67 @@ bool WaitFor(const std::function<bool()>& ready, std::chrono::seconds limit) {
 class WestonSessionTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_weston = Find("weston");
-        if (m_weston.empty()) {
+        const std::string weston = Find("weston");
+        if (weston.empty()) {
             GTEST_SKIP() << "weston is not installed (scripts/setup.sh installs it)";
         }
-        ASSERT_FALSE(Find("Xvfb").empty()) << "Xvfb is missing (scripts/setup.sh installs it)";
         ASSERT_FALSE(Find("xdotool").empty()) << "xdotool is missing (scripts/setup.sh installs it)";
-        char pattern[] = "/tmp/hl-weston-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;  // mode 0700: also the compositor's XDG_RUNTIME_DIR
+        m_session = std::make_unique<hl::hosted_session::Session>(hl::hosted_session::SessionSetup::Beside(HL_BIN_DIR));
+        const std::string dir = m_session->Directory();  // mode 0700: also the compositor's XDG_RUNTIME_DIR
 
         // The X server only carries weston's window and the input devices behind its seat.
-        Spawn({"Xvfb", "-displayfd", "3", "-screen", "0", "1024x768x24", "-nolisten", "tcp"}, {}, "xvfb.log",
-              "display");
-        ASSERT_TRUE(WaitFor([&] { return Read(m_dir + "/display").find('\n') != std::string::npos; }, 30s));
-        const std::string display =
-            ":" + Read(m_dir + "/display").substr(0, Read(m_dir + "/display").find('\n'));
-        m_x = {"DISPLAY=" + display};
+        std::string error;
+        m_x = hl::hosted_session::XDisplay::StartXvfb(dir + "/xvfb.log", error);
+        ASSERT_TRUE(m_x) << error;
+        setenv("DISPLAY", m_x->Name().c_str(), 1);
+        setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
         // kiosk-shell shows the toplevel full screen from the output's corner, so the dialog's own
         // coordinates are those of weston's window, which is at the corner of the X screen.
-        Spawn({m_weston, "--backend=x11-backend.so", "--shell=kiosk-shell.so",
-               std::string("--socket=") + kSocket, "--no-config", "--use-pixman", "--width=640",
-               "--height=480", "--log=" + m_dir + "/weston.log"},
-              {m_x[0], "XDG_RUNTIME_DIR=" + m_dir}, "weston.out");
-        ASSERT_TRUE(WaitFor([&] { return fs::exists(m_dir + "/" + kSocket); }, 30s))
-            << Read(m_dir + "/weston.log");
+        m_weston = std::make_unique<ChildProcess>(
+            std::vector<std::string>{weston, "--backend=x11-backend.so", "--shell=kiosk-shell.so",
+                                     std::string("--socket=") + kSocket, "--no-config", "--use-pixman",
+                                     "--width=640", "--height=480", "--log=" + dir + "/weston.log"},
+            dir + "/weston.out");
+        ASSERT_TRUE(WaitFor([&] { return fs::exists(dir + "/" + kSocket); }, 30s)) << Read(dir + "/weston.log");
 
-        // The session as a person's Wayland desktop has it: no X display for the program.
-        m_session = {"XDG_RUNTIME_DIR=" + m_dir,        std::string("WAYLAND_DISPLAY=") + kSocket,
-                     "QT_QPA_PLATFORM=wayland",         "QT_QUICK_BACKEND=software",
-                     "HL_RUNTIME_DIR=" + m_dir + "/hl", "DISPLAY="};
-        // The non-persistent settings service, from which the program reads its language.
-        Spawn({HL_SETTINGSD_EXECUTABLE, "hl.settings_manager.MSmgr"}, m_session, "settingsd.out");
-        ASSERT_TRUE(
-            WaitFor([&] { return Read(m_dir + "/settingsd.out").find("ready\n") != std::string::npos; }, 60s))
-            << Read(m_dir + "/settingsd.out");
-        std::vector<std::string> program = m_session;
-        program.push_back("WAYLAND_DEBUG=client");  // the program's protocol log, read below
-        Spawn({HL_APPMGR_EXECUTABLE, "run", "--restart", "no", "--name", "AccessArbiter", "--",
-               HL_ACCESS_ARBITER_EXECUTABLE},
-              program, "session.log");
-        ASSERT_TRUE(WaitFor(
-            [&] {
-                return Log().find("AccessArbiter[") != std::string::npos &&
-                       Log().find("]: ReadyToShowUI") != std::string::npos;
-            },
-            120s))
-            << Log();
+        // The session as a person's Wayland desktop has it: no X display for the program, whose
+        // protocol log (WAYLAND_DEBUG) is read below.
+        unsetenv("DISPLAY");
+        setenv("WAYLAND_DISPLAY", kSocket, 1);
+        setenv("QT_QPA_PLATFORM", "wayland", 1);
+        setenv("QT_QUICK_BACKEND", "software", 1);
+        setenv("WAYLAND_DEBUG", "client", 1);
+        ASSERT_TRUE(m_session->Start()) << Log();
     }
 
     void TearDown() override {
-        for (auto it = m_children.rbegin(); it != m_children.rend(); ++it) {
-            kill(*it, SIGTERM);
-            if (!WaitFor([pid = *it] { return waitpid(pid, nullptr, WNOHANG) != 0; }, 10s)) {
-                kill(*it, SIGKILL);
-                waitpid(*it, nullptr, 0);
-            }
+        m_session.reset();
+        if (m_weston) {
+            m_weston->Stop(10s);
         }
-        if (!m_dir.empty()) {
-            fs::remove_all(m_dir);
-        }
+        m_weston.reset();
+        m_x.reset();
     }
 
-    // Starts `argv` with the test's environment changed by `env` (an empty value removes the
-    // variable), standard output and error into `log`, and optionally fd 3 into `fd3`.
-    pid_t Spawn(const std::vector<std::string>& argv, const std::vector<std::string>& env,
-                const std::string& log, const std::string& fd3 = {}) {
-        std::vector<std::string> environment;
-        for (char** entry = environ; *entry != nullptr; ++entry) {
-            const std::string text = *entry;
-            bool replaced = false;
-            for (const auto& change : env) {
-                replaced |= text.compare(0, change.find('=') + 1, change, 0, change.find('=') + 1) == 0;
-            }
-            if (!replaced) {
-                environment.push_back(text);
-            }
-        }
-        for (const auto& change : env) {
-            if (change.back() != '=') {
-                environment.push_back(change);
-            }
-        }
-        std::vector<char*> args, envp;
-        for (const auto& a : argv) {
-            args.push_back(const_cast<char*>(a.c_str()));
-        }
-        args.push_back(nullptr);
-        for (const auto& e : environment) {
-            envp.push_back(const_cast<char*>(e.c_str()));
-        }
-        envp.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        const std::string out = m_dir + "/" + log;
-        posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-        posix_spawn_file_actions_adddup2(&actions, 1, 2);
-        const std::string third = m_dir + "/" + fd3;
-        if (!fd3.empty()) {
-            posix_spawn_file_actions_addopen(&actions, 3, third.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        }
-        pid_t pid = -1;
-        const int rc = posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), envp.data());
-        posix_spawn_file_actions_destroy(&actions);
-        EXPECT_EQ(rc, 0) << "cannot start " << argv[0];
-        if (rc == 0) {
-            m_children.push_back(pid);
-        }
-        return pid;
+    // xdotool's click at (x, y) of the X screen, where weston's window is.
+    bool ClickX(int x, int y) {
+        setenv("DISPLAY", m_x->Name().c_str(), 1);
+        ChildProcess click({"xdotool", "mousemove", std::to_string(x), std::to_string(y), "click", "1"},
+                           m_session->Directory() + "/xdotool.log");
+        unsetenv("DISPLAY");
+        return click.Wait(30s) == 0;
     }
 
-    // Waits up to `limit` for a child to end; an ended child is no longer stopped at tear-down.
-    bool Reap(pid_t pid, int& status, std::chrono::seconds limit) {
-        if (!WaitFor([&] { return waitpid(pid, &status, WNOHANG) == pid; }, limit)) {
-            return false;
-        }
-        std::erase(m_children, pid);
-        return true;
-    }
-
-    std::string Log() const { return Read(m_dir + "/session.log"); }
+    std::string Log() const { return m_session->Log(); }
 
     int Count(const std::regex& pattern) const {
         const std::string log = Log();
         return static_cast<int>(std::distance(std::sregex_iterator(log.begin(), log.end(), pattern), {}));
     }
 
-    std::string m_weston;
-    std::string m_dir;
-    std::vector<std::string> m_x;
-    std::vector<std::string> m_session;
-    std::vector<pid_t> m_children;
+    std::unique_ptr<hl::hosted_session::XDisplay> m_x;
+    std::unique_ptr<ChildProcess> m_weston;
+    std::unique_ptr<hl::hosted_session::Session> m_session;
 };
 
 TEST_F(WestonSessionTest,
@@ -218,20 +145,17 @@ TEST_F(WestonSessionTest,
     for (const Click& click :
          {Click{234, 0, "approved", "decision = 1"}, Click{86, 1, "declined", "decision = 0"}}) {
         SCOPED_TRACE(click.answer);
-        const pid_t asker = Spawn({HL_ASK_EXECUTABLE, "--wait-for-service", "60000", "--timeout", "120000"},
-                                  m_session, std::string("ask-") + click.answer);
+        const auto asker = m_session->Ask({"--wait-for-service", "60000", "--timeout", "120000"});
         // The compositor gives the keyboard focus to a mapped surface only: the dialog is up.
         ASSERT_TRUE(WaitFor([&] { return Count(focus) > shown; }, 120s)) << "the dialog was not mapped\n"
                                                                          << Log();
         ++shown;
         std::this_thread::sleep_for(500ms);  // the first frame
-        int status = -1;
-        ASSERT_TRUE(Reap(
-            Spawn({"xdotool", "mousemove", std::to_string(click.x), "110", "click", "1"}, m_x, "xdotool.log"),
-            status, 30s));
-        ASSERT_TRUE(Reap(asker, status, 60s)) << "the click did not answer hl-ask";
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == click.exitCode) << "status " << status;
-        EXPECT_EQ(Read(m_dir + "/ask-" + click.answer), std::string(click.answer) + "\n");
+        ASSERT_TRUE(ClickX(click.x, 110));
+        const auto status = asker->Wait(60s);
+        ASSERT_TRUE(status) << "the click did not answer hl-ask";
+        EXPECT_EQ(*status, click.exitCode);
+        EXPECT_EQ(asker->Output(), std::string(click.answer) + "\n");
         EXPECT_NE(Log().find(click.decision), std::string::npos);
     }
 
