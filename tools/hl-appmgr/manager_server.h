@@ -1,9 +1,11 @@
-// The application manager's server: registers the server channel, declares the component tree
-// with the three endpoints (controller 1, commands 2, watchdog 3), publishes the type
-// "hl.app_manager.ApplicationManager.applicationManager" and serves requests on a thread of its
-// own (receive timeout 500 ms, so Stop is seen within half a second).
+// The application manager's server: the IPC runtime's serving host with the three endpoints
+// (controller 1, commands 2, watchdog 3), publishing the type
+// "hl.app_manager.ApplicationManager.applicationManager", on a thread of its own (receive timeout
+// 500 ms, so Stop is seen within half a second).
 // Thread: Start/Stop from one thread; the services run on the server thread.
 #pragma once
+
+#include <ipc_runtime/server/serving_host.h>
 
 #include <atomic>
 #include <memory>
@@ -33,7 +35,7 @@ private:
     void Serve();
 
     std::shared_ptr<ManagerServices> m_services;
-    unsigned int m_channel;
+    std::unique_ptr<hosipc::server::ServingHost> m_host;
     std::atomic<bool> m_stop{false};
     std::thread m_thread;
 };

@@ -5,8 +5,7 @@
 
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/log.h>
-#include <settings_manager/service/held_requests.h>
-#include <settings_manager/service/service_host.h>
+#include <ipc_runtime/server/serving_host.h>
 
 #include <platform/nk_message.h>
 
@@ -32,6 +31,17 @@ constexpr int kExitServe = 3;
 // ignored by the client and sent again (see SubscriptionTable), and answering it finds a dead client.
 constexpr unsigned int kMaxHoldMs = NK_TIMEOUT_INFINITE;
 constexpr unsigned int kReceiveTimeoutMs = 250;
+
+// The largest message of the three interfaces is 56 bytes; the arenas are the largest the
+// descriptions give a request (a write) and a reply (the nodes of a read).
+hosipc::server::ServerOptions SettingsServerOptions() {
+    hosipc::server::ServerOptions options;
+    options.messageRoom = 256;
+    options.requestArenaRoom = hosipc::idl::stdcpp_v1::hl::settings_manager::NkISM::kWriteArena;
+    options.responseArenaRoom = hosipc::idl::stdcpp_v1::hl::settings_manager::NkISM::kNodesArena;
+    options.maxHoldMs = kMaxHoldMs;
+    return options;
+}
 
 std::atomic<bool> g_stop{false};
 
@@ -59,7 +69,7 @@ int main(int argc, char** argv) {
     std::signal(SIGINT, OnStopSignal);
 
     const std::string name(options->service.name);
-    auto held = std::make_shared<settings_manager::service::HeldRequests>();
+    auto held = std::make_shared<hosipc::server::DeferredReplies>();
     std::unique_ptr<hl_settingsd::SettingsService> service;
     try {
         service =
@@ -68,13 +78,14 @@ int main(int argc, char** argv) {
         HL_LOG(LogLevel::Critical, "{}: the store can't be opened: {}", name, e.what());
         return kExitStore;
     }
-    std::unique_ptr<settings_manager::service::ServiceHost> host;
+    std::unique_ptr<hosipc::server::ServingHost> host;
     try {
-        host = std::make_unique<settings_manager::service::ServiceHost>(
-            name, "hl.settings_manager.SettingsManager",
-            settings_manager::service::ServiceHost::Implementations{service.get(), service.get(),
-                                                                    service.get()},
-            held, kMaxHoldMs);
+        using namespace hosipc::idl::stdcpp_v1::hl::settings_manager;
+        hosipc::server::ComponentTree tree("hl.settings_manager.SettingsManager");
+        tree.Serve<NkISM>(1, "NkISM", "NkISM", "hl.settings_manager.NkISM", service.get())
+            .Serve<NkISMReg>(2, "NkISMReg", "NkISMReg", "hl.settings_manager.NkISMReg", service.get())
+            .Serve<NkISMCbk>(3, "NkISMCbk", "NkISMCbk", "hl.settings_manager.NkISMCbk", service.get());
+        host = std::make_unique<hosipc::server::ServingHost>(std::move(tree), name, SettingsServerOptions(), held);
     } catch (const std::exception& e) {
         HL_LOG(LogLevel::Critical, "{}: {}", name, e.what());
         return kExitServe;

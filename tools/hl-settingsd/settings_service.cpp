@@ -50,11 +50,11 @@ bool ParsePath(std::span<const unsigned char> bytes, const char* method, uvc::Pa
 }  // namespace
 
 SettingsService::SettingsService(std::unique_ptr<ITreeStore> store,
-                                 std::shared_ptr<settings_manager::service::HeldRequests> held)
+                                 std::shared_ptr<hosipc::server::DeferredReplies> held)
     : m_store(std::move(store)),
       m_held(std::move(held)),
       m_tree(m_store && m_held ? m_store->Load()
-                               : throw std::invalid_argument("tree store or HeldRequests is nullptr")) {}
+                               : throw std::invalid_argument("tree store or DeferredReplies is nullptr")) {}
 
 nk_ptr_t SettingsService::NextChunk(ExchangeTable::Read& read, nk_arena& responseArena, std::int32_t& rc) {
     const std::size_t count = std::min(kChunkNodes, read.items.size() - read.next);

@@ -1,14 +1,14 @@
 #pragma once
 // One settings store served as NkISM, NkISMReg and NkISMCbk (the generated stubs call these
-// operations through ServiceHost). The tree lives in a SettingsTree; every change is planned there,
+// operations through the IPC runtime's ServingHost). The tree lives in a SettingsTree; every change is planned there,
 // committed by the tree store (ITreeStore: one transaction per write exchange), applied in memory, and
 // then wakes the subscribers it concerns. Chunked exchanges are kept in an ExchangeTable: a write is
 // buffered whole and committed at its last chunk, so a cancelled or abandoned exchange changes nothing.
 //
 // Every refused request gets a result code and a log line; nothing a client sends ends the process.
 //
-// Thread: the serving thread only (ServiceHost::ServeOne and Tick); no lock. The store and the
-// HeldRequests come in through the constructor; the service owns the store.
+// Thread: the serving thread only (ServingHost::ServeOne and Tick); no lock. The store and the
+// DeferredReplies come in through the constructor; the service owns the store.
 
 #include "exchange_table.h"
 #include "i_tree_store.h"
@@ -18,7 +18,7 @@
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism_reg.h>
-#include <settings_manager/service/held_requests.h>
+#include <ipc_runtime/server/deferred_replies.h>
 
 #include <memory>
 #include <string>
@@ -34,7 +34,7 @@ public:
 
     // Loads the tree from the store (which may throw std::runtime_error).
     SettingsService(std::unique_ptr<ITreeStore> store,
-                    std::shared_ptr<settings_manager::service::HeldRequests> held);
+                    std::shared_ptr<hosipc::server::DeferredReplies> held);
 
     // NkISM
     void Read(const Bytes& path, std::uint8_t readMask, std::uint64_t& ncount, nk_ptr_t& nodes,
@@ -72,7 +72,7 @@ private:
     nk_ptr_t NextChunk(ExchangeTable::Read& read, nk_arena& arena, std::int32_t& rc);
 
     std::unique_ptr<ITreeStore> m_store;
-    std::shared_ptr<settings_manager::service::HeldRequests> m_held;
+    std::shared_ptr<hosipc::server::DeferredReplies> m_held;
     SettingsTree m_tree;
     ExchangeTable m_exchanges;
     SubscriptionTable m_subscriptions;

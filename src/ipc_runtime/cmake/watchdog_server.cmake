@@ -25,3 +25,11 @@ foreach(_target hl_ipc_runtime_ping_benchmark)
     add_dependencies(${_target} hl_ipc_runtime_watchdog_server)
   endif()
 endforeach()
+
+# The serving host's tests run a server and its clients in one process, in a runtime directory of
+# their own.
+if(TARGET hl_ipc_runtime_tests)
+  target_sources(hl_ipc_runtime_tests PRIVATE
+    "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
+  target_include_directories(hl_ipc_runtime_tests PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
+endif()

@@ -48,18 +48,10 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s approve|decline|fail|hang|die|odd\n", argv[0]);
         return 2;
     }
-    static const HosEndpointDesc endpoints[] = {{1, "hl.access_arbiter.AccessArbiter.accessArbiter",
-                                                 "accessArbiter", "hl.access_arbiter.AccessArbiter"}};
-    const HosComponentTree tree{"hl.vdi.AccessArbiter", endpoints, 1, nullptr, 0};
-    const unsigned int server =
-        hl_test::RegisterServer(tree, "accessArbiter_id", "hl.access_arbiter.AccessArbiter.accessArbiter");
-    if (server == NK_INVALID_HANDLE) {
-        return 1;
-    }
     ScriptedArbiter implementation(argv[1]);
-    hosipc_detail::idl_traits::Stub<AccessArbiter> stub(
-        &implementation,
-        std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{}, 0,
-                                                                  hosipc::api_v1::ApplicationSettings{}));
-    hl_test::ServeForever(server, {hl_test::Serve(1, stub)});
+    hosipc::server::ComponentTree tree("hl.vdi.AccessArbiter");
+    tree.Serve<AccessArbiter>(1, "hl.access_arbiter.AccessArbiter.accessArbiter", "accessArbiter",
+                              "hl.access_arbiter.AccessArbiter", &implementation)
+        .PublishType("hl.access_arbiter.AccessArbiter.accessArbiter");
+    return hl_test::ServeForever(std::move(tree), "accessArbiter_id");
 }

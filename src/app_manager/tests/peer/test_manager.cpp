@@ -135,38 +135,28 @@ void ReadCommands(Commands& commands) {
 }
 
 int Serve(const char* serverName, bool publish, bool giveHandle, const std::string& held) {
-    static const HosEndpointDesc endpoints[] = {
-        {kControllerRiid, "app_manager.applicationController", "applicationController",
-         "hl.app_manager.ApplicationController"},
-        {kCommandsRiid, "app_manager.applicationCommands", "applicationCommands",
-         "hl.app_manager.ApplicationCommands"},
-        {kWatchdogRiid, "app_manager.applicationWatchdog", "applicationWatchdog",
-         "hl.app_manager.ApplicationWatchdog"}};
-    const HosComponentTree tree{"hl.app_manager.ApplicationManager", endpoints, 3, nullptr, 0};
-    const unsigned int server = hl_test::RegisterServer(
-        tree, serverName, publish ? "hl.app_manager.ApplicationManager.applicationManager" : nullptr);
-    if (server == NK_INVALID_HANDLE) {
-        return 1;
-    }
     unsigned int heldRegistration = 0;
     if (!held.empty() &&
         ServiceLocatorRegister(held.c_str(), nullptr, 0, &heldRegistration) == NK_INVALID_HANDLE) {
         std::fprintf(stderr, "test manager: can't hold %s\n", held.c_str());
         return 1;
     }
-    const auto resources = std::make_shared<hosipc_detail::api_v1::ResourceProvider>(
-        hosipc_detail::api_v1::MessageCapacity{}, 0, hosipc::api_v1::ApplicationSettings{});
     Controller controller;
     Commands commands(giveHandle);
     Watchdog watchdog;
-    hosipc_detail::idl_traits::Stub<idl::ApplicationController> controllerStub(&controller, resources);
-    hosipc_detail::idl_traits::Stub<idl::ApplicationCommands> commandsStub(&commands, resources);
-    hosipc_detail::idl_traits::Stub<idl::ApplicationWatchdog> watchdogStub(&watchdog, resources);
-
+    hosipc::server::ComponentTree tree("hl.app_manager.ApplicationManager");
+    tree.Serve<idl::ApplicationController>(kControllerRiid, "app_manager.applicationController",
+                                           "applicationController", "hl.app_manager.ApplicationController",
+                                           &controller)
+        .Serve<idl::ApplicationCommands>(kCommandsRiid, "app_manager.applicationCommands", "applicationCommands",
+                                         "hl.app_manager.ApplicationCommands", &commands)
+        .Serve<idl::ApplicationWatchdog>(kWatchdogRiid, "app_manager.applicationWatchdog", "applicationWatchdog",
+                                         "hl.app_manager.ApplicationWatchdog", &watchdog);
+    if (publish) {
+        tree.PublishType("hl.app_manager.ApplicationManager.applicationManager");
+    }
     std::thread(ReadCommands, std::ref(commands)).detach();
-    hl_test::ServeForever(
-        server, {hl_test::Serve(kControllerRiid, controllerStub), hl_test::Serve(kCommandsRiid, commandsStub),
-                 hl_test::Serve(kWatchdogRiid, watchdogStub)});
+    return hl_test::ServeForever(std::move(tree), serverName);
 }
 
 }  // namespace

@@ -8,9 +8,6 @@
 // and throws for the name "throw", so that the client sees a server failure.
 // Exit status: 2 for wrong usage, 1 when the server can't be set up.
 #include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
-#include <ipc_runtime/resource_provider.h>
-
-#include <platform/platform.h>
 
 #include "peer/test_server.h"
 
@@ -34,15 +31,6 @@ public:
     }
 };
 
-[[noreturn]] void Serve(unsigned int server) {
-    CountingWatchdog implementation;
-    hosipc_detail::idl_traits::Stub<ApplicationWatchdog> stub(
-        &implementation,
-        std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{}, 0,
-                                                                  hosipc::api_v1::ApplicationSettings{}));
-    hl_test::ServeForever(server, {hl_test::Serve(kRiid, stub)});
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -50,13 +38,9 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s <server name>\n", argv[0]);
         return 2;
     }
-    static const HosEndpointDesc endpoints[] = {{kRiid, "app_manager.applicationWatchdog",
-                                                 "applicationWatchdog",
-                                                 "hl.app_manager.ApplicationWatchdog"}};
-    const HosComponentTree tree{"hl.app_manager.TestManager", endpoints, 1, nullptr, 0};
-    const unsigned int server = hl_test::RegisterServer(tree, argv[1], nullptr);
-    if (server == NK_INVALID_HANDLE) {
-        return 1;
-    }
-    Serve(server);
+    CountingWatchdog implementation;
+    hosipc::server::ComponentTree tree("hl.app_manager.TestManager");
+    tree.Serve<ApplicationWatchdog>(kRiid, "app_manager.applicationWatchdog", "applicationWatchdog",
+                                    "hl.app_manager.ApplicationWatchdog", &implementation);
+    return hl_test::ServeForever(std::move(tree), argv[1]);
 }

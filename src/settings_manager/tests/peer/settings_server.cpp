@@ -14,8 +14,7 @@
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
 #include <ipc_runtime/idl/hl/settings_manager/nk_ism_reg.h>
 #include <settings_manager/node_arena.h>
-#include <settings_manager/service/held_requests.h>
-#include <settings_manager/service/service_host.h>
+#include <ipc_runtime/server/serving_host.h>
 
 #include <platform/platform.h>
 
@@ -57,7 +56,7 @@ class Store final : public NkISM, public NkISMReg, public NkISMCbk {
 public:
     using Bytes = std::vector<unsigned char>;
 
-    Store(Options options, std::shared_ptr<settings_manager::service::HeldRequests> held)
+    Store(Options options, std::shared_ptr<hosipc::server::DeferredReplies> held)
         : m_options(options), m_held(std::move(held)) {}
 
     void Read(const Bytes& path, std::uint8_t, std::uint64_t& ncount, nk_ptr_t& nodes, std::uint64_t& id,
@@ -219,7 +218,7 @@ private:
     }
 
     Options m_options;
-    std::shared_ptr<settings_manager::service::HeldRequests> m_held;
+    std::shared_ptr<hosipc::server::DeferredReplies> m_held;
     std::uint64_t m_lastId = 0;
     std::map<std::string, RawItems> m_trees;
     std::map<std::uint64_t, PendingWrite> m_writes;
@@ -233,13 +232,20 @@ private:
 };
 
 int Serve(const char* serverName, Options options) {
-    auto held = std::make_shared<settings_manager::service::HeldRequests>();
+    auto held = std::make_shared<hosipc::server::DeferredReplies>();
     Store store(options, held);
-    std::unique_ptr<settings_manager::service::ServiceHost> host;
+    std::unique_ptr<hosipc::server::ServingHost> host;
     try {
-        host = std::make_unique<settings_manager::service::ServiceHost>(
-            serverName, "hl.settings_manager.TestSmgr",
-            settings_manager::service::ServiceHost::Implementations{&store, &store, &store}, held, 1500);
+        hosipc::server::ComponentTree tree("hl.settings_manager.TestSmgr");
+        tree.Serve<NkISM>(1, "NkISM", "NkISM", "hl.settings_manager.NkISM", &store)
+            .Serve<NkISMReg>(2, "NkISMReg", "NkISMReg", "hl.settings_manager.NkISMReg", &store)
+            .Serve<NkISMCbk>(3, "NkISMCbk", "NkISMCbk", "hl.settings_manager.NkISMCbk", &store);
+        hosipc::server::ServerOptions serverOptions;
+        serverOptions.messageRoom = 256;
+        serverOptions.requestArenaRoom = NkISM::kWriteArena;
+        serverOptions.responseArenaRoom = NkISM::kNodesArena;
+        serverOptions.maxHoldMs = 1500;
+        host = std::make_unique<hosipc::server::ServingHost>(std::move(tree), serverName, serverOptions, held);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "settings server: can't set up %s: %s\n", serverName, e.what());
         return 1;

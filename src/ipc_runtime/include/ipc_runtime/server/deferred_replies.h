@@ -1,0 +1,64 @@
+#pragma once
+// The requests a server keeps unanswered for a while, answered later: a settings client's Wait with
+// no update to deliver yet, say. The implementation marks the request it is serving with
+// HoldCurrent(key); the serving host then keeps that request instead of answering it. Wake(key),
+// from any thread, asks the host to serve the kept request again at its next turn, so that the
+// implementation answers it this time. Forget(key) drops it unanswered.
+//
+// Thread: HoldCurrent and the Take* calls on the serving thread; Wake and Forget from any thread.
+// Shared by whoever sets the server up, its implementations and the ServingHost.
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <set>
+
+namespace hosipc::server {
+
+class DeferredReplies {
+public:
+    // Marks the request being served now to be held under key; a later request held under the same key
+    // replaces it (a client repeats its call only after the previous one ran out of time).
+    void HoldCurrent(std::uint64_t key) { m_holdCurrent = key; }
+    // Asks for the request held under key, if any, to be served again.
+    void Wake(std::uint64_t key) {
+        std::lock_guard lock(m_mutex);
+        m_woken.insert(key);
+    }
+    // Forgets any wake for key and drops the request held under it, unanswered (its client has gone or
+    // unregistered).
+    void Forget(std::uint64_t key) {
+        std::lock_guard lock(m_mutex);
+        m_woken.erase(key);
+        m_forgotten.insert(key);
+    }
+
+    // For the host: the key the request just served asked to be held under, once.
+    std::optional<std::uint64_t> TakeHoldCurrent() {
+        auto key = m_holdCurrent;
+        m_holdCurrent.reset();
+        return key;
+    }
+    // For the host: the keys woken since the last call.
+    std::set<std::uint64_t> TakeWoken() {
+        std::lock_guard lock(m_mutex);
+        std::set<std::uint64_t> woken;
+        woken.swap(m_woken);
+        return woken;
+    }
+    // For the host: the keys forgotten since the last call.
+    std::set<std::uint64_t> TakeForgotten() {
+        std::lock_guard lock(m_mutex);
+        std::set<std::uint64_t> forgotten;
+        forgotten.swap(m_forgotten);
+        return forgotten;
+    }
+
+private:
+    std::optional<std::uint64_t> m_holdCurrent;
+    std::mutex m_mutex;
+    std::set<std::uint64_t> m_woken;
+    std::set<std::uint64_t> m_forgotten;
+};
+
+}  // namespace hosipc::server

@@ -1,0 +1,91 @@
+#pragma once
+// The one serving loop of the environment's servers: it declares a component tree, registers the
+// server channel under the server's name, publishes the tree's service components there, and serves
+// requests one at a time through the generated stubs. The platform's server channel takes the
+// clients' requests in turn, so that no client starves another.
+//
+//   ServingHost host(std::move(tree), "applicationManager_id", ServerOptions{});
+//   while (!stop) { host.ServeOne(500); }
+//
+// A request of an interface the tree does not serve is answered with the server failure word and the
+// log line "request for the unknown interface I (method M) refused"; a method the stub does not know
+// gets the bare header back.
+//
+// Deferred replies (deferred_replies.h): a request that the implementation marks is kept, with the
+// transport state that answers its client, instead of being answered. A woken one is served again
+// and answered (an answer that finds its client gone is reported). A kept request older than
+// maxHoldMs is dropped unanswered (NK_TIMEOUT_INFINITE: never), as is a forgotten one; a later one
+// under the same key replaces it.
+//
+// Thread: one thread constructs it and runs ServeOne; the implementations are called on that
+// thread. The destructor closes the channel.
+
+#include <ipc_runtime/server/component_tree.h>
+#include <ipc_runtime/server/deferred_replies.h>
+
+#include <platform/nk_message.h>
+#include <platform/nk_transport.h>
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace hosipc::server {
+
+struct ServerOptions {
+    std::size_t messageRoom = 512;          // bytes of a request or a reply message
+    unsigned int handleRoom = 0;            // handle descriptors a request may carry
+    std::size_t requestArenaRoom = 2048;
+    std::size_t responseArenaRoom = 2048;
+    unsigned int replyTimeoutMs = NK_TIMEOUT_INFINITE;
+    unsigned int maxHoldMs = NK_TIMEOUT_INFINITE;  // how long a deferred request is kept
+};
+
+class ServingHost {
+public:
+    // Throws std::runtime_error when the tree can't be declared, the name can't be registered
+    // (another process serves it in this runtime directory) or a service can't be published.
+    // `deferred` may be null for a server that answers every request at once.
+    ServingHost(ComponentTree tree, const std::string& serverName, ServerOptions options = {},
+                std::shared_ptr<DeferredReplies> deferred = nullptr);
+    ~ServingHost();
+    ServingHost(const ServingHost&) = delete;
+    ServingHost& operator=(const ServingHost&) = delete;
+
+    struct Report {
+        bool served = false;  // a request came in (answered or kept)
+        // Keys whose kept request could not be answered: the client has gone.
+        std::vector<std::uint64_t> gone;
+    };
+    // Receives one request, waiting at most timeoutMs (NK_TIMEOUT_INFINITE: no limit), serves it, then
+    // answers the woken kept requests.
+    Report ServeOne(unsigned int timeoutMs);
+
+private:
+    struct Kept {
+        NkHosTransport transport;  // a copy taken after the receive: it answers that client
+        std::vector<unsigned char> message;
+        std::vector<unsigned char> arena;
+        std::chrono::steady_clock::time_point since;
+    };
+    // Serves request through its stub into the response buffers.
+    void Dispatch(const nk_message* request, nk_arena* requestArena);
+    void AnswerDeferred(Report& report);
+
+    ComponentTree m_tree;
+    const ServerOptions m_options;
+    std::shared_ptr<DeferredReplies> m_deferred;
+    unsigned int m_channel;
+    NkHosTransport m_transport{};
+    std::vector<unsigned char> m_request;
+    std::vector<unsigned char> m_requestArena;
+    std::vector<unsigned char> m_response;
+    std::vector<unsigned char> m_responseArena;
+    nk_arena m_responseArenaView{};
+    std::map<std::uint64_t, Kept> m_kept;
+};
+
+}  // namespace hosipc::server

@@ -1,0 +1,141 @@
+#include <ipc_runtime/server/serving_host.h>
+
+#include <diagnostics/log.h>
+
+#include <platform/ipc_dispatcher/publish_services.h>
+#include <platform/platform.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace hosipc::server {
+
+namespace {
+using hos::logger::LogLevel;
+}  // namespace
+
+ServingHost::ServingHost(ComponentTree tree, const std::string& serverName, ServerOptions options,
+                         std::shared_ptr<DeferredReplies> deferred)
+    : m_tree(std::move(tree)),
+      m_options(options),
+      m_deferred(deferred ? std::move(deferred) : std::make_shared<DeferredReplies>()),
+      m_channel(NK_INVALID_HANDLE),
+      m_request(options.messageRoom),
+      m_requestArena(options.requestArenaRoom),
+      m_response(options.messageRoom),
+      m_responseArena(options.responseArenaRoom) {
+    if (m_tree.Declare() != 0) {
+        throw std::runtime_error("can't declare the component tree " + m_tree.TypeName());
+    }
+    unsigned int registration = 0;
+    m_channel = ServiceLocatorRegister(serverName.c_str(), nullptr, 0, &registration);
+    if (m_channel == NK_INVALID_HANDLE) {
+        throw std::runtime_error("can't register the server " + serverName +
+                                 " (is another server of that name running here?)");
+    }
+    for (const ComponentTree::Service& service : m_tree.Services()) {
+        const int published = shared::ipc_dispatcher::PublishServices({{service.fullName.c_str(), serverName.c_str()}});
+        if (published != 0) {
+            KnHandleClose(m_channel);
+            throw std::runtime_error("can't publish " + service.fullName + " (" +
+                                     fmt::format("0x{:08x}", static_cast<unsigned>(published)) + ")");
+        }
+    }
+    NkHosTransport_Init(&m_transport, m_channel, nullptr, 0);
+}
+
+ServingHost::~ServingHost() {
+    if (m_channel != NK_INVALID_HANDLE) {
+        KnHandleClose(m_channel);
+    }
+}
+
+void ServingHost::Dispatch(const nk_message* request, nk_arena* requestArena) {
+    std::fill(m_response.begin(), m_response.end(), static_cast<unsigned char>(0));
+    std::fill(m_responseArena.begin(), m_responseArena.end(), static_cast<unsigned char>(0));
+    auto* response = reinterpret_cast<nk_message*>(m_response.data());
+    response->iid = request->iid;
+    response->mid = request->mid;
+    response->sizeFlags = nk_size_word(NK_MESSAGE_HEADER_SIZE, 0);
+    m_responseArenaView = nk_arena{m_responseArena.data(), m_responseArena.data(),
+                                   m_responseArena.data() + m_responseArena.size()};
+    auto& endpoints = m_tree.Endpoints();
+    const auto served = std::find_if(endpoints.begin(), endpoints.end(),
+                                     [&](const ComponentTree::Endpoint& e) { return e.riid == request->iid; });
+    if (served == endpoints.end()) {
+        HL_LOG(LogLevel::Warning, "request for the unknown interface {} (method {}) refused", request->iid,
+               request->mid);
+        response->sizeFlags = NK_SERVER_FAILURE_WORD;
+        return;
+    }
+    served->stub->DispatchRequest(static_cast<unsigned short>(request->iid), request, requestArena, response,
+                                  &m_responseArenaView);
+}
+
+ServingHost::Report ServingHost::ServeOne(unsigned int timeoutMs) {
+    Report report;
+    auto* request = reinterpret_cast<nk_message*>(m_request.data());
+    request->sizeFlags = nk_size_word(static_cast<std::uint32_t>(m_options.messageRoom), m_options.handleRoom);
+    nk_arena requestArena{m_requestArena.data(), m_requestArena.data(),
+                          m_requestArena.data() + m_requestArena.size()};
+    NkHosSetTransportTimeouts(&m_transport, timeoutMs, m_options.replyTimeoutMs);
+    const int received = m_transport.ops->receive(&m_transport, request, &requestArena);
+    if (received == NK_EOK) {
+        report.served = true;
+        m_deferred->TakeHoldCurrent();
+        Dispatch(request, &requestArena);
+        if (const auto key = m_deferred->TakeHoldCurrent()) {
+            Kept kept{m_transport, m_request, std::vector<unsigned char>(requestArena.start, requestArena.cursor),
+                      std::chrono::steady_clock::now()};
+            m_transport.pendingClient = 0;  // this transport no longer answers that request
+            m_kept[*key] = std::move(kept);
+        } else {
+            const int replied = m_transport.ops->reply(
+                &m_transport, reinterpret_cast<const nk_message*>(m_response.data()), &m_responseArenaView);
+            if (replied != NK_EOK) {
+                HL_LOG(LogLevel::Debug, "reply failed: {:#x}", static_cast<std::uint32_t>(replied));
+            }
+        }
+    } else if (received != NK_TRANSPORT_TIMEOUT) {
+        HL_LOG(LogLevel::Debug, "receive failed: {:#x}", static_cast<std::uint32_t>(received));
+    }
+    AnswerDeferred(report);
+    return report;
+}
+
+void ServingHost::AnswerDeferred(Report& report) {
+    for (const std::uint64_t key : m_deferred->TakeForgotten()) {
+        m_kept.erase(key);
+    }
+    const auto now = std::chrono::steady_clock::now();
+    const std::chrono::milliseconds maxHold(m_options.maxHoldMs);
+    for (auto it = m_kept.begin(); it != m_kept.end() && m_options.maxHoldMs != NK_TIMEOUT_INFINITE;) {
+        it = now - it->second.since > maxHold ? m_kept.erase(it) : std::next(it);
+    }
+    for (const std::uint64_t key : m_deferred->TakeWoken()) {
+        const auto found = m_kept.find(key);
+        if (found == m_kept.end()) {
+            continue;
+        }
+        Kept kept = std::move(found->second);
+        m_kept.erase(found);
+        auto* request = reinterpret_cast<nk_message*>(kept.message.data());
+        nk_arena arena{kept.arena.data(), kept.arena.data() + kept.arena.size(),
+                       kept.arena.data() + kept.arena.size()};
+        Dispatch(request, &arena);
+        if (const auto again = m_deferred->TakeHoldCurrent()) {
+            m_kept[*again] = std::move(kept);
+            continue;
+        }
+        const int rc = kept.transport.ops->reply(
+            &kept.transport, reinterpret_cast<const nk_message*>(m_response.data()), &m_responseArenaView);
+        if (rc != NK_EOK) {
+            // The reply is the server's own and well formed: a failure means the client's end is gone.
+            HL_LOG(LogLevel::Debug, "the answer to the request held under {} failed: {:#x}", key,
+                   static_cast<std::uint32_t>(rc));
+            report.gone.push_back(key);
+        }
+    }
+}
+
+}  // namespace hosipc::server

@@ -1,0 +1,149 @@
+// The serving host in this process, with a client of the generated proxy on another thread: a reply
+// deferred by the implementation and released from a third thread, a forgotten one, and a second
+// server of a name already served.
+#include <ipc_runtime/connection_builder.h>
+#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <ipc_runtime/resource_provider.h>
+#include <ipc_runtime/server/serving_host.h>
+
+#include <support/scoped_runtime_directory.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+using hosipc::idl::stdcpp_v1::hl::access_arbiter::AccessArbiter;
+using hosipc::server::ComponentTree;
+using hosipc::server::DeferredReplies;
+using hosipc::server::ServingHost;
+
+constexpr const char* kServer = "servingHostTest_id";
+constexpr const char* kEndpoint = "hl.access_arbiter.AccessArbiter.accessArbiter";
+constexpr std::uint64_t kKey = 7;
+
+// Defers its first answer under kKey; serves 1 once woken.
+class DeferringArbiter final : public AccessArbiter {
+public:
+    explicit DeferringArbiter(std::shared_ptr<DeferredReplies> deferred) : m_deferred(std::move(deferred)) {}
+    void GetUserDecision(unsigned char& decision) override {
+        if (calls++ == 0) {
+            m_deferred->HoldCurrent(kKey);
+            return;
+        }
+        decision = 1;
+    }
+    std::atomic<int> calls{0};
+
+private:
+    std::shared_ptr<DeferredReplies> m_deferred;
+};
+
+ComponentTree Tree(AccessArbiter* implementation) {
+    ComponentTree tree("hl.test.ServingHost");
+    tree.Serve<AccessArbiter>(1, kEndpoint, "accessArbiter", "hl.access_arbiter.AccessArbiter", implementation);
+    return tree;
+}
+
+class ServingHostTest : public testing::Test {
+protected:
+    // The serving thread; made after the host, so that it ends before the host does.
+    std::jthread Serve(ServingHost& host) {
+        return std::jthread([this, &host](std::stop_token stop) {
+            while (!stop.stop_requested()) {
+                const auto report = host.ServeOne(20);
+                gone += static_cast<int>(report.gone.size());
+            }
+        });
+    }
+    // GetUserDecision through the generated proxy, with `timeoutMs` for the answer.
+    std::future<int> Ask(unsigned int timeoutMs) {
+        return std::async(std::launch::async, [timeoutMs] {
+            const hosipc::api_v1::ConnectionBuilder<hosipc::api_v1::ConnectViaDynamicChannel> connector(
+                kServer, kEndpoint, 5000, false);
+            auto proxy = hosipc_detail::idl_traits::MakeProxyImpl(
+                connector,
+                std::make_shared<hosipc_detail::api_v1::ResourceProvider>(hosipc_detail::api_v1::MessageCapacity{},
+                                                                          0, hosipc::api_v1::ApplicationSettings{}),
+                static_cast<hosipc_detail::idl_traits::ProxyBait<AccessArbiter>*>(nullptr));
+            static_cast<hosipc_detail::idl_traits::Proxy<AccessArbiter>*>(proxy.get())
+                ->SetTimeouts(NK_TIMEOUT_INFINITE, timeoutMs);
+            unsigned char decision = 0xff;
+            try {
+                proxy->GetUserDecision(decision);
+            } catch (const std::exception&) {
+                return -1;
+            }
+            return static_cast<int>(decision);
+        });
+    }
+
+    hos::platform::testing::ScopedRuntimeDirectory m_runtime;
+    std::atomic<int> gone{0};
+};
+
+TEST_F(ServingHostTest, ADeferredRequestIsAnsweredOnlyOnceAnotherThreadWakesIt) {
+    auto deferred = std::make_shared<DeferredReplies>();
+    DeferringArbiter arbiter(deferred);
+    ServingHost host(Tree(&arbiter), kServer, {}, deferred);
+    const auto server = Serve(host);
+
+    auto answer = Ask(NK_TIMEOUT_INFINITE);
+    EXPECT_EQ(answer.wait_for(500ms), std::future_status::timeout) << "a deferred request was answered";
+    EXPECT_EQ(arbiter.calls, 1);
+    deferred->Wake(kKey);
+    ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
+    EXPECT_EQ(answer.get(), 1);
+    EXPECT_EQ(arbiter.calls, 2) << "the woken request is served again, once";
+}
+
+TEST_F(ServingHostTest, AForgottenRequestIsNeverAnsweredAndAWakeAfterItFindsNothing) {
+    auto deferred = std::make_shared<DeferredReplies>();
+    DeferringArbiter arbiter(deferred);
+    ServingHost host(Tree(&arbiter), kServer, {}, deferred);
+    const auto server = Serve(host);
+
+    auto answer = Ask(1500);
+    std::this_thread::sleep_for(300ms);
+    deferred->Forget(kKey);
+    std::this_thread::sleep_for(100ms);
+    deferred->Wake(kKey);
+    ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
+    EXPECT_EQ(answer.get(), -1) << "the client's own timeout ends the call";
+    EXPECT_EQ(arbiter.calls, 1);
+}
+
+TEST_F(ServingHostTest, AKeptRequestWhoseClientHasGoneIsReportedWhenWoken) {
+    auto deferred = std::make_shared<DeferredReplies>();
+    DeferringArbiter arbiter(deferred);
+    ServingHost host(Tree(&arbiter), kServer, {}, deferred);
+    const auto server = Serve(host);
+
+    // The client gives up and closes its connection; the kept request stays.
+    auto answer = Ask(300);
+    ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
+    EXPECT_EQ(answer.get(), -1);
+    deferred->Wake(kKey);
+    const auto deadline = std::chrono::steady_clock::now() + 5s;
+    while (gone == 0 && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_EQ(gone, 1);
+}
+
+TEST_F(ServingHostTest, ASecondServerOfANameAlreadyServedIsRefused) {
+    DeferringArbiter arbiter(std::make_shared<DeferredReplies>());
+    ServingHost first(Tree(&arbiter), kServer);
+    EXPECT_THROW(ServingHost(Tree(&arbiter), kServer), std::runtime_error);
+    EXPECT_THROW(ComponentTree("hl.test.Null").Serve<AccessArbiter>(1, "a", "b", "c", nullptr),
+                 std::invalid_argument);
+}
+
+}  // namespace
