@@ -8,9 +8,11 @@ if(HL_BUILD_TESTS)
     "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
 endif()
 
-# The notice thread's tests; labelled concurrency too, for the thread-sanitizer pass.
+# The notice thread's and the watchdog worker's tests; labelled concurrency too, for the
+# thread-sanitizer pass.
 hl_add_test(hl_app_manager_concurrency_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/concurrency/notice_thread_test.cpp"
+          "${CMAKE_CURRENT_SOURCE_DIR}/tests/concurrency/watchdog_worker_test.cpp"
           "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
           "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
   DEPS hl_app_manager

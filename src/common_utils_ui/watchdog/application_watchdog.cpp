@@ -1,6 +1,6 @@
 #include <common_utils_ui/watchdog/application_watchdog.h>
 
-#include <common_utils/app_utils/watchdog/application_watchdog.h>
+#include <app_manager/watchdog/application_watchdog.h>
 #include <common_utils_ui/timer/qt_timer_factory.h>
 
 #include <diagnostics/check.h>

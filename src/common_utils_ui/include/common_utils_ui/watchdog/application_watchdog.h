@@ -5,7 +5,7 @@
 // fires once the event loop turns. The destructor stops the timer and destroys the worker, which joins
 // its thread. Construct and destroy on the Qt main thread.
 
-#include <common_utils/app_utils/watchdog/i_application_watchdog.h>
+#include <app_manager/watchdog/i_application_watchdog.h>
 #include <common_utils_ui/timer/i_timer_factory.h>
 
 #include <app_manager/i_application_manager.h>

@@ -1,4 +1,4 @@
-#include <common_utils/app_utils/watchdog/application_watchdog.h>
+#include <app_manager/watchdog/application_watchdog.h>
 
 #include <diagnostics/check.h>
 #include <diagnostics/log.h>

@@ -6,7 +6,7 @@
 // The constructor starts the thread after every field stands; the destructor cancels and joins, so it
 // blocks while a Ping is stuck in the transport. Construct, notify and destroy on one thread.
 
-#include <common_utils/app_utils/watchdog/i_application_watchdog.h>
+#include <app_manager/watchdog/i_application_watchdog.h>
 
 #include <app_manager/i_application_manager.h>
 #include <app_manager/i_application_watchdog.h>

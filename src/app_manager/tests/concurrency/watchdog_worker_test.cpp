@@ -1,6 +1,6 @@
 // The watchdog worker against a manager whose Ping can be held: one Ping per notification, and at
 // most one pending signal however often it is notified while a Ping is slow.
-#include <common_utils/app_utils/watchdog/application_watchdog.h>
+#include <app_manager/watchdog/application_watchdog.h>
 
 #include <diagnostics/check_failure_text_for_testing.h>
 
