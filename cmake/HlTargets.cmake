@@ -147,10 +147,12 @@ endfunction()
 #                      tests/support/*.cpp are linked in; tests/main.cpp replaces gtest's main
 #   cmake/*.cmake  extra rules of the subsystem (resources, QML tests, peer programs), included last
 #
-#   hl_add_subsystem(NAME [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [TEST_DEPS ...] [TEST_LABELS ...])
-# makes the library hl_<NAME>.
+#   hl_add_subsystem(NAME [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [TEST_DEPS ...] [TEST_LABELS ...]
+#                    [TEST_SUPPORT_LIBRARY target])
+# makes the library hl_<NAME>. With TEST_SUPPORT_LIBRARY, tests/support/*.cpp become that library
+# (headers included as "support/<name>.h"), which the subsystem's tests and any other room's link.
 function(hl_add_subsystem name)
-  cmake_parse_arguments(ARG "" "" "PUBLIC_DEPS;PRIVATE_DEPS;TEST_DEPS;TEST_LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TEST_SUPPORT_LIBRARY" "PUBLIC_DEPS;PRIVATE_DEPS;TEST_DEPS;TEST_LABELS" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS
        "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h"
        "${CMAKE_CURRENT_SOURCE_DIR}/*.c")
@@ -169,6 +171,12 @@ function(hl_add_subsystem name)
 
   file(GLOB test_sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/tests/*_test.cpp")
   file(GLOB support_sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/*.cpp")
+  if(ARG_TEST_SUPPORT_LIBRARY AND (HL_BUILD_TESTS OR HL_BUILD_BENCHMARKS))
+    hl_add_library(${ARG_TEST_SUPPORT_LIBRARY} SOURCES ${support_sources}
+                   INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/tests" PUBLIC_DEPS hl_${name})
+    set(support_sources "")
+    list(APPEND ARG_TEST_DEPS ${ARG_TEST_SUPPORT_LIBRARY})
+  endif()
   if(test_sources AND HL_BUILD_TESTS)
     if(NOT ARG_TEST_LABELS)
       set(ARG_TEST_LABELS unit)

@@ -3,13 +3,12 @@
 if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
   hl_add_test(hl_access_arbiter_e2e_tests
     SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/process_start_e2e_test.cpp"
-            "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
-            "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
+    DEPS hl_test_support
     LABELS e2e
     TIMEOUT 300)
   if(TARGET hl_access_arbiter_e2e_tests)
     target_include_directories(hl_access_arbiter_e2e_tests PRIVATE
-      "${CMAKE_SOURCE_DIR}/src/app_manager/tests" "${CMAKE_SOURCE_DIR}/src/platform/tests")
+      "${CMAKE_SOURCE_DIR}/src/app_manager/tests")
     # The executable is defined after this file is included; both work with a later target.
     target_compile_definitions(hl_access_arbiter_e2e_tests PRIVATE
       HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
@@ -39,7 +38,7 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     TIMEOUT 300)
   hl_add_test(hl_access_arbiter_session_faults_e2e_tests
     SOURCES "${_aa_e2e}/session_faults_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
-            "${CMAKE_SOURCE_DIR}/src/platform/tests/support/raw_socket.cpp"
+    DEPS hl_test_support
     LABELS e2e
     TIMEOUT 300)
   # A client of the generated proxy reads the shown dialog's pixels and clicks it (captured with
@@ -70,7 +69,6 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
                      hl_access_arbiter_language_e2e_tests hl_access_arbiter_shown_window_tests
                      hl_access_arbiter_desktop_e2e_tests)
     if(TARGET ${_aa_target})
-      target_include_directories(${_aa_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
       # The session finds the executables and its font configuration in the build tree's bin/, as
       # it finds them installed.
       target_link_libraries(${_aa_target} PRIVATE hl_hosted_session)

@@ -1,5 +1,5 @@
 # The ApplicationWatchdog server process, and the benchmark that talks to it across processes, starting
-# it with the platform's test support (runtime directory and peer process).
+# it with the platform's test support library (runtime directory and peer process).
 # The serving loop every test peer shares.
 hl_add_library(hl_ipc_runtime_test_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_server.cpp"
@@ -9,17 +9,12 @@ hl_add_executable(hl_ipc_runtime_watchdog_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/watchdog_server.cpp"
   DEPS hl_ipc_runtime_test_server)
 
-set(_hl_platform_test_support
-  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
-  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
-
 hl_add_benchmark(hl_ipc_runtime_ping_benchmark
-  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/bench/ping_benchmark.cpp" ${_hl_platform_test_support}
-  DEPS hl_ipc_runtime)
+  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/bench/ping_benchmark.cpp"
+  DEPS hl_ipc_runtime hl_test_support)
 
 foreach(_target hl_ipc_runtime_ping_benchmark)
   if(TARGET ${_target})
-    target_include_directories(${_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
     target_compile_definitions(${_target} PRIVATE
       HL_IPC_WATCHDOG_SERVER="$<TARGET_FILE:hl_ipc_runtime_watchdog_server>")
     add_dependencies(${_target} hl_ipc_runtime_watchdog_server)
@@ -29,7 +24,5 @@ endforeach()
 # The serving host's tests run a server and its clients in one process, in a runtime directory of
 # their own.
 if(TARGET hl_ipc_runtime_tests)
-  target_sources(hl_ipc_runtime_tests PRIVATE
-    "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp")
-  target_include_directories(hl_ipc_runtime_tests PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests")
+  target_link_libraries(hl_ipc_runtime_tests PRIVATE hl_test_support)
 endif()

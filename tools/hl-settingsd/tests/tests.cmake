@@ -5,8 +5,6 @@ if(NOT HL_BUILD_TESTS)
 endif()
 
 set(_hl_settingsd_test_support
-  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/peer_process.cpp"
-  "${CMAKE_SOURCE_DIR}/src/platform/tests/support/scoped_runtime_directory.cpp"
   "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/settingsd_process.cpp"
   "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/raw_ism.cpp")
 
@@ -19,18 +17,17 @@ hl_add_executable(hl_settingsd_test_subscriber SOURCES tests/subscriber.cpp DEPS
 hl_add_test(hl_settingsd_tests
   SOURCES tests/store_rules_process_test.cpp tests/persistence_process_test.cpp
           tests/bad_input_process_test.cpp tests/exit_codes_process_test.cpp ${_hl_settingsd_test_support}
-  DEPS hl_settings_manager
+  DEPS hl_settings_manager hl_test_support
   LABELS integration)
 # The update subscriptions run the client's callback thread against the service.
 hl_add_test(hl_settingsd_subscription_tests
   SOURCES tests/subscriptions_process_test.cpp ${_hl_settingsd_test_support}
-  DEPS hl_settings_manager
+  DEPS hl_settings_manager hl_test_support
   LABELS "integration;concurrency")
 
 foreach(_target hl_settingsd_tests hl_settingsd_subscription_tests)
   if(TARGET ${_target})
-    target_include_directories(${_target} PRIVATE "${CMAKE_SOURCE_DIR}/src/platform/tests"
-                                                  "${CMAKE_CURRENT_SOURCE_DIR}/tests")
+    target_include_directories(${_target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
     target_compile_definitions(${_target} PRIVATE HL_SETTINGSD="$<TARGET_FILE:hl-settingsd>"
       HL_SETTINGSD_HALF_WRITER="$<TARGET_FILE:hl_settingsd_half_writer>"
       HL_SETTINGSD_SUBSCRIBER="$<TARGET_FILE:hl_settingsd_test_subscriber>")
