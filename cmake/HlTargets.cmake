@@ -148,11 +148,15 @@ endfunction()
 #   cmake/*.cmake  extra rules of the subsystem (resources, QML tests, peer programs), included last
 #
 #   hl_add_subsystem(NAME [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [TEST_DEPS ...] [TEST_LABELS ...]
-#                    [TEST_SUPPORT_LIBRARY target])
-# makes the library hl_<NAME>. With TEST_SUPPORT_LIBRARY, tests/support/*.cpp become that library
+#                    [TEST_SUPPORT_LIBRARY target] [INCLUDE_DIR dir])
+# makes the library hl_<NAME>; its public headers are under INCLUDE_DIR (default include/). With TEST_SUPPORT_LIBRARY, tests/support/*.cpp become that library
 # (headers included as "support/<name>.h"), which the subsystem's tests and any other room's link.
 function(hl_add_subsystem name)
-  cmake_parse_arguments(ARG "" "TEST_SUPPORT_LIBRARY" "PUBLIC_DEPS;PRIVATE_DEPS;TEST_DEPS;TEST_LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TEST_SUPPORT_LIBRARY;INCLUDE_DIR" "PUBLIC_DEPS;PRIVATE_DEPS;TEST_DEPS;TEST_LABELS"
+                        ${ARGN})
+  if(NOT ARG_INCLUDE_DIR)
+    set(ARG_INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/include")
+  endif()
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS
        "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h"
        "${CMAKE_CURRENT_SOURCE_DIR}/*.c")
@@ -162,10 +166,10 @@ function(hl_add_subsystem name)
   if(NOT sources)
     # header-only for now: an interface library keeps the target usable
     add_library(hl_${name} INTERFACE)
-    target_include_directories(hl_${name} INTERFACE "${CMAKE_CURRENT_SOURCE_DIR}/include")
+    target_include_directories(hl_${name} INTERFACE "${ARG_INCLUDE_DIR}")
     target_link_libraries(hl_${name} INTERFACE ${ARG_PUBLIC_DEPS})
   else()
-    hl_add_library(hl_${name} SOURCES ${sources}
+    hl_add_library(hl_${name} SOURCES ${sources} INCLUDE_DIR "${ARG_INCLUDE_DIR}"
                    PUBLIC_DEPS ${ARG_PUBLIC_DEPS} PRIVATE_DEPS ${ARG_PRIVATE_DEPS})
   endif()
 

@@ -1,15 +1,15 @@
 // The composition root: every long-lived object is a local of main, made in the numbered order below
 // and destroyed in reverse. A later subsystem goes in at its own number.
 
-#include <access_arbiter/application/access_arbiter.h>
-#include <access_arbiter/interactors/user_decision_interactor.h>
-#include <access_arbiter/ipc/create_dispatcher.h>
-#include <access_arbiter/ipc/i_access_arbiter.h>
-#include <access_arbiter/ipc/stub/access_arbiter.h>
-#include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
-#include <access_arbiter/ui/window/i_window.h>
-#include <access_arbiter/ui/window/i_window_factory.h>
-#include <access_arbiter/ui/window_factory/window_factory.h>
+#include "access_arbiter.h"
+#include "business/interactors/user_decision_interactor.h"
+#include "ipc/create_dispatcher.h"
+#include "ipc/i_access_arbiter.h"
+#include "ipc/stub/access_arbiter.h"
+#include "ipc/stub/i_access_arbiter_component.h"
+#include "ui/window_factory/i_window.h"
+#include "ui/window_factory/i_window_factory.h"
+#include "ui/window_factory/window_factory.h"
 #include <app_manager/app_controller_status.h>
 #include <app_manager/create_application_manager.h>
 #include <app_manager/i_application_status.h>

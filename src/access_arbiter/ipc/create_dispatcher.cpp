@@ -1,6 +1,6 @@
-#include <access_arbiter/ipc/create_dispatcher.h>
+#include "ipc/create_dispatcher.h"
 
-#include <access_arbiter/ipc/access_arbiter_component_messages.h>
+#include "ipc/access_arbiter_component_messages.h"
 #include <common/ipc_dispatcher/create_dynamic_ipc_facade.h>
 #include <diagnostics/check.h>
 #include <diagnostics/log.h>

@@ -1,11 +1,11 @@
 // The decision service from the wire inward: a throwing implementation reached by the generated proxy
 // over the hosted platform answers a server failure, a failing queue a decline, and the chain's classes
 // check their parts. Decisions travelling to callers are the end-to-end tests' part.
-#include <access_arbiter/interactors/user_decision_interactor.h>
-#include <access_arbiter/ipc/create_dispatcher.h>
-#include <access_arbiter/ipc/stub/access_arbiter.h>
-#include <access_arbiter/ipc/stub/access_arbiter_stub.h>
-#include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
+#include "business/interactors/user_decision_interactor.h"
+#include "ipc/create_dispatcher.h"
+#include "ipc/stub/access_arbiter.h"
+#include "ipc/stub/access_arbiter_stub.h"
+#include "ipc/stub/i_access_arbiter_component.h"
 #include <diagnostics/check_failure_text_for_testing.h>
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>

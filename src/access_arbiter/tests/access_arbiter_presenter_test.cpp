@@ -1,5 +1,5 @@
-#include <access_arbiter/ui/presenter/access_arbiter_presenter.h>
-#include <access_arbiter/ui/view/access_arbiter_view.h>
+#include "ui/presenter/access_arbiter_presenter.h"
+#include "ui/view/access_arbiter_view.h"
 
 #include <common_utils_ui/qt_callable_guard.h>
 #include <diagnostics/log_capture_for_testing.h>

@@ -1,6 +1,6 @@
 // The decision queue's own answer once closed. Order and waiting are the blocking queue's tests' part,
 // a get waiting for a click on another thread the end-to-end tests'.
-#include <access_arbiter/interactors/user_decision_interactor.h>
+#include "business/interactors/user_decision_interactor.h"
 
 #include <gtest/gtest.h>
 

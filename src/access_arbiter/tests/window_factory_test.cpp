@@ -1,6 +1,6 @@
 // The dialog as the factory makes it: hidden and sized until shown, its border following the palette.
 // Its texts in each language and its buttons clicked are the visual, X and end-to-end tests' part.
-#include <access_arbiter/ui/window_factory/window_factory.h>
+#include "ui/window_factory/window_factory.h"
 
 #include <ui_kit/style/i_palette_factory.h>
 #include <ui_kit/style/i_palette_id_interactor.h>

@@ -1,4 +1,4 @@
-#include <access_arbiter/interactors/user_decision_interactor.h>
+#include "business/interactors/user_decision_interactor.h"
 
 #include <diagnostics/log.h>
 #include <diagnostics/process_exception.h>

@@ -1,4 +1,4 @@
-#include <access_arbiter/ipc/stub/access_arbiter.h>
+#include "ipc/stub/access_arbiter.h"
 
 #include <diagnostics/check.h>
 

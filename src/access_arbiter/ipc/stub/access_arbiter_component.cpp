@@ -1,4 +1,4 @@
-#include <access_arbiter/ipc/stub/access_arbiter_component.h>
+#include "ipc/stub/access_arbiter_component.h"
 
 #include <ipc_runtime/application_settings.h>
 #include <ipc_runtime/message_capacity.h>

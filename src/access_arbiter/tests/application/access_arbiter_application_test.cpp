@@ -1,7 +1,7 @@
 // The application object against a settings service in a process of its own, registered under the
 // non-persistent service's name: what the language setting holds decides the catalogue installed,
 // and every step that can fail stops the start with its own text.
-#include <access_arbiter/application/access_arbiter.h>
+#include "access_arbiter.h"
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/log_capture_for_testing.h>
 #include <diagnostics/process_exception.h>

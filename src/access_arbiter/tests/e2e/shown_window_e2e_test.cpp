@@ -4,7 +4,7 @@
 // image of the default language, "ru-RU", the language setting having been deleted: an untranslated
 // key or another text would not match) and clicks it with real X input events, then checks the byte
 // received.
-#include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
+#include "ipc/stub/i_access_arbiter_component.h"
 #include <ipc_runtime/connection_builder.h>
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>

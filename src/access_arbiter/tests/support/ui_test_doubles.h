@@ -1,6 +1,6 @@
 #pragma once
 
-#include <access_arbiter/interactors/i_user_decision_setter.h>
+#include "business/interactors/i_user_decision_setter.h"
 
 #include <cstdint>
 #include <functional>

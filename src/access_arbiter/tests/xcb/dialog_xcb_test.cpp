@@ -1,8 +1,8 @@
 // The dialog on a real X server (the test script runs ctest under xvfb-run), not the offscreen
 // platform: window creation, exposure and mouse input go through the xcb platform plugin.
 
-#include <access_arbiter/interactors/user_decision_interactor.h>
-#include <access_arbiter/ui/window_factory/window_factory.h>
+#include "business/interactors/user_decision_interactor.h"
+#include "ui/window_factory/window_factory.h"
 
 #include "support/dialog_fixture.h"
 

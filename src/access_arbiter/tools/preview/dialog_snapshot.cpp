@@ -1,8 +1,8 @@
 #include "dialog_snapshot.h"
 
-#include <access_arbiter/application/access_arbiter.h>
-#include <access_arbiter/interactors/user_decision_interactor.h>
-#include <access_arbiter/ui/window_factory/window_factory.h>
+#include "access_arbiter.h"
+#include "business/interactors/user_decision_interactor.h"
+#include "ui/window_factory/window_factory.h"
 #include <common_utils_ui/translate/i_translation_installer.h>
 #include <ui_kit/style/i_palette_factory.h>
 #include <ui_kit/style/i_palette_id_interactor.h>

@@ -1,4 +1,4 @@
-#include <access_arbiter/ui/presenter/access_arbiter_presenter.h>
+#include "ui/presenter/access_arbiter_presenter.h"
 
 #include <common_utils_ui/qt_invoker.h>
 #include <diagnostics/check.h>

@@ -1,4 +1,4 @@
-#include <access_arbiter/ui/view/access_arbiter_view.h>
+#include "ui/view/access_arbiter_view.h"
 
 #include <common_utils_ui/qt_callable_guard.h>
 #include <diagnostics/check.h>

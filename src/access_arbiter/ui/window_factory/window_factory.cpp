@@ -1,8 +1,8 @@
-#include <access_arbiter/ui/window_factory/window_factory.h>
+#include "ui/window_factory/window_factory.h"
 
-#include <access_arbiter/ui/mode/user_decision.h>
-#include <access_arbiter/ui/presenter/access_arbiter_presenter.h>
-#include <access_arbiter/ui/view/access_arbiter_view.h>
+#include "ui/user_decision.h"
+#include "ui/presenter/access_arbiter_presenter.h"
+#include "ui/view/access_arbiter_view.h"
 #include <diagnostics/check.h>
 #include <diagnostics/log.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <access_arbiter/ipc/i_access_arbiter.h>
+#include "ipc/i_access_arbiter.h"
 
 #include <ipc_runtime/i_dispatcher.h>
 #include <ipc_runtime/shared_resource_provider.h>

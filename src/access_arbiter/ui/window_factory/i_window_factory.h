@@ -1,6 +1,6 @@
 #pragma once
 
-#include <access_arbiter/ui/window/i_window.h>
+#include "ui/window_factory/i_window.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <access_arbiter/ui/mode/user_decision.h>
-#include <access_arbiter/ui/presenter/i_access_arbiter_presenter.h>
-#include <access_arbiter/ui/view/i_access_arbiter_view.h>
+#include "ui/user_decision.h"
+#include "ui/presenter/i_access_arbiter_presenter.h"
+#include "ui/view/i_access_arbiter_view.h"
 
 #include <QObject>
 #include <QPointer>

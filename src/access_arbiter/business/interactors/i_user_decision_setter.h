@@ -3,7 +3,7 @@
 // The dialog's half of the decision queue: puts the user's decision in.
 // Called on the Qt main thread. Held by shared_ptr; the queue lives as long as any holder.
 
-#include <access_arbiter/ui/mode/user_decision.h>
+#include "ui/user_decision.h"
 
 #include <cstdint>
 

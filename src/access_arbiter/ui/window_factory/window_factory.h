@@ -1,7 +1,7 @@
 #pragma once
 
-#include <access_arbiter/interactors/i_user_decision_setter.h>
-#include <access_arbiter/ui/window/i_window_factory.h>
+#include "business/interactors/i_user_decision_setter.h"
+#include "ui/window_factory/i_window_factory.h"
 
 #include <QPointer>
 #include <QQmlApplicationEngine>

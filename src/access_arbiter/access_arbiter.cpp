@@ -1,6 +1,6 @@
-#include <access_arbiter/application/access_arbiter.h>
+#include "access_arbiter.h"
 
-#include <access_arbiter/config/logger_config.h>
+#include "logger_config.h"
 #include <diagnostics/check.h>
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/qt_logger_support.h>

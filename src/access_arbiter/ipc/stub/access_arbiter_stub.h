@@ -1,6 +1,6 @@
 #pragma once
 
-#include <access_arbiter/ipc/i_access_arbiter.h>
+#include "ipc/i_access_arbiter.h"
 
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 

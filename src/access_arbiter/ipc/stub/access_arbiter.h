@@ -1,8 +1,8 @@
 #pragma once
 
-#include <access_arbiter/interactors/i_user_decision_getter.h>
-#include <access_arbiter/ipc/i_access_arbiter.h>
-#include <access_arbiter/ui/window/i_window.h>
+#include "business/interactors/i_user_decision_getter.h"
+#include "ipc/i_access_arbiter.h"
+#include "ui/window_factory/i_window.h"
 
 #include <cstdint>
 #include <memory>

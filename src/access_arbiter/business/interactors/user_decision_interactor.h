@@ -5,8 +5,8 @@
 // from any other (the dispatcher thread). A decision pushed while nobody waits stays queued and
 // answers the next GetUserDecision at once. Destroying the interactor drops decisions still queued.
 
-#include <access_arbiter/interactors/i_user_decision_getter.h>
-#include <access_arbiter/interactors/i_user_decision_setter.h>
+#include "business/interactors/i_user_decision_getter.h"
+#include "business/interactors/i_user_decision_setter.h"
 #include <common/utils/blocking_queue.h>
 
 #include <memory>

@@ -3,7 +3,7 @@
 // The IPC half of the decision queue: takes the oldest decision out, waiting for one.
 // Called on the dispatcher thread. Held by shared_ptr; the queue lives as long as any holder.
 
-#include <access_arbiter/ui/mode/user_decision.h>
+#include "ui/user_decision.h"
 
 #include <cstdint>
 

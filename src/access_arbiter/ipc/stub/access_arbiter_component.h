@@ -1,7 +1,7 @@
 #pragma once
 
-#include <access_arbiter/ipc/stub/access_arbiter_stub.h>
-#include <access_arbiter/ipc/stub/i_access_arbiter_component.h>
+#include "ipc/stub/access_arbiter_stub.h"
+#include "ipc/stub/i_access_arbiter_component.h"
 
 #include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
 

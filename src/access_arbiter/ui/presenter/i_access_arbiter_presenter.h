@@ -1,6 +1,6 @@
 #pragma once
 
-#include <access_arbiter/ui/mode/user_decision.h>
+#include "ui/user_decision.h"
 
 namespace access_arbiter::ui {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <access_arbiter/interactors/i_user_decision_setter.h>
-#include <access_arbiter/ui/presenter/i_access_arbiter_presenter.h>
-#include <access_arbiter/ui/view/i_access_arbiter_view.h>
-#include <access_arbiter/ui/window/i_window.h>
+#include "business/interactors/i_user_decision_setter.h"
+#include "ui/presenter/i_access_arbiter_presenter.h"
+#include "ui/view/i_access_arbiter_view.h"
+#include "ui/window_factory/i_window.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include <access_arbiter/config/logger_config.h>
+#include "logger_config.h"
 
 namespace access_arbiter::config::logger::impl {
 
