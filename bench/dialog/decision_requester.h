@@ -8,7 +8,7 @@
 #pragma once
 
 #include <ipc_runtime/application.h>
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 
 #include <chrono>
 #include <cstdint>

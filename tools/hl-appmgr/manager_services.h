@@ -3,9 +3,9 @@
 // answers one end. Thread: called on the server thread only (ManagerServer).
 #pragma once
 
-#include <ipc_runtime/idl/hl/app_manager/application_commands.h>
-#include <ipc_runtime/idl/hl/app_manager/application_controller.h>
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_commands.h>
+#include <interfaces/hl/app_manager/application_controller.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 
 #include <memory>
 #include <vector>

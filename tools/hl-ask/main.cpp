@@ -2,7 +2,7 @@
 #include <diagnostics/hos_logger.h>
 #include <ipc_runtime/application.h>
 #include <ipc_runtime/connection_builder.h>
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <ipc_runtime/resource_provider.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
 #include <platform/platform.h>

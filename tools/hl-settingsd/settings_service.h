@@ -15,9 +15,9 @@
 #include "settings_tree.h"
 #include "subscription_table.h"
 
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_reg.h>
+#include <interfaces/hl/settings_manager/nk_ism.h>
+#include <interfaces/hl/settings_manager/nk_ism_cbk.h>
+#include <interfaces/hl/settings_manager/nk_ism_reg.h>
 #include <ipc_runtime/server/deferred_replies.h>
 
 #include <memory>

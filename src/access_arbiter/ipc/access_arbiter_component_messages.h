@@ -3,7 +3,7 @@
 // The component's message buffers for the dispatcher loop, sized after the interface's description:
 // the largest request (24 bytes, a bare header) and the largest response (32 bytes).
 
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <platform/nk_message.h>
 
 #include <cstdint>

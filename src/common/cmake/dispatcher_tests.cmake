@@ -3,5 +3,5 @@
 # pick it; the plain test run takes every label.
 hl_add_test(hl_common_dispatcher_tests
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/dispatcher/component_dispatcher_test.cpp"
-  DEPS hl_common
+  DEPS hl_common hl_interfaces
   LABELS concurrency)

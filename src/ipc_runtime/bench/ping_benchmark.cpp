@@ -6,7 +6,7 @@
 //   hl_ipc_runtime_ping_benchmark [--benchmark_repetitions=N] [other Google Benchmark flags]
 #include <ipc_runtime/application.h>
 #include <ipc_runtime/connection_builder.h>
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 
 #include "support/peer_process.h"
 #include "support/scoped_runtime_directory.h"

@@ -3,7 +3,7 @@
 # The serving loop every test peer shares.
 hl_add_library(hl_ipc_runtime_test_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_server.cpp"
-  PUBLIC_DEPS hl_ipc_runtime hl_platform
+  PUBLIC_DEPS hl_interfaces hl_ipc_runtime hl_platform
   INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/tests")
 hl_add_executable(hl_ipc_runtime_watchdog_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/watchdog_server.cpp"
@@ -11,7 +11,7 @@ hl_add_executable(hl_ipc_runtime_watchdog_server
 
 hl_add_benchmark(hl_ipc_runtime_ping_benchmark
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/bench/ping_benchmark.cpp"
-  DEPS hl_ipc_runtime hl_test_support)
+  DEPS hl_interfaces hl_test_support)
 
 foreach(_target hl_ipc_runtime_ping_benchmark)
   if(TARGET ${_target})
@@ -24,5 +24,5 @@ endforeach()
 # The serving host's tests run a server and its clients in one process, in a runtime directory of
 # their own.
 if(TARGET hl_ipc_runtime_tests)
-  target_link_libraries(hl_ipc_runtime_tests PRIVATE hl_test_support)
+  target_link_libraries(hl_ipc_runtime_tests PRIVATE hl_test_support hl_interfaces)
 endif()

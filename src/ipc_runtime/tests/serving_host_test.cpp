@@ -2,7 +2,7 @@
 // deferred by the implementation and released from a third thread, a forgotten one, and a second
 // server of a name already served.
 #include <ipc_runtime/connection_builder.h>
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <ipc_runtime/resource_provider.h>
 #include <ipc_runtime/server/serving_host.h>
 

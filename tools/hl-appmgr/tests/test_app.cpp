@@ -10,9 +10,9 @@
 // Exit status: 0, 1 on a failed start, 2 without a manager, 3 usage.
 #include <ipc_runtime/application.h>
 #include <ipc_runtime/connection_builder.h>
-#include <ipc_runtime/idl/hl/app_manager/application_commands.h>
-#include <ipc_runtime/idl/hl/app_manager/application_controller.h>
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_commands.h>
+#include <interfaces/hl/app_manager/application_controller.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 #include <ipc_runtime/resource_provider.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
 #include <platform/platform.h>

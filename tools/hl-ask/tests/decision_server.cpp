@@ -4,7 +4,7 @@
 //   hl_ask_test_decision_server MODE     MODE: approve, decline, fail (server error), hang (never
 //                                        answers), die (exits on the first request), odd (answers 7)
 // Prints "ready" once published. Exit status: 2 usage, 1 set-up failure.
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <ipc_runtime/resource_provider.h>
 #include <platform/platform.h>
 #include <peer/test_server.h>

@@ -3,7 +3,7 @@
 #include "ipc/stub/access_arbiter_stub.h"
 #include "ipc/stub/i_access_arbiter_component.h"
 
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 
 #include <memory>
 

@@ -2,7 +2,7 @@
 
 #include "ipc/i_access_arbiter.h"
 
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 
 #include <memory>
 

@@ -6,7 +6,7 @@
 // received.
 #include "ipc/stub/i_access_arbiter_component.h"
 #include <ipc_runtime/connection_builder.h>
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
 #include <platform/platform.h>
 

@@ -18,9 +18,9 @@
 //   update   raises the update event (bit 16) on the handle given out last
 //   close    closes the manager's end of that handle
 // Exit status: 2 for wrong usage, 1 when the server can't be set up.
-#include <ipc_runtime/idl/hl/app_manager/application_commands.h>
-#include <ipc_runtime/idl/hl/app_manager/application_controller.h>
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_commands.h>
+#include <interfaces/hl/app_manager/application_controller.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 #include <ipc_runtime/resource_provider.h>
 
 #include <platform/platform.h>

@@ -5,7 +5,7 @@
 #include <diagnostics/log_capture_for_testing.h>
 #include <diagnostics/process_exception.h>
 #include <ipc_runtime/application_settings.h>
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <ipc_runtime/resource_provider.h>
 #include <platform/platform.h>
 

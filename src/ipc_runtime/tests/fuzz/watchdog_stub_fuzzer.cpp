@@ -4,7 +4,7 @@
 // where the first byte says. The implementation checks that the name it gets is bytes of this
 // request's arena; the response must be the method's or the server failure, or untouched for an
 // unknown method. Seeds: tests/fuzz/corpus/watchdog_stub.
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 #include <ipc_runtime/resource_provider.h>
 
 #include <algorithm>

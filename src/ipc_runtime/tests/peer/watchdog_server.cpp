@@ -7,7 +7,7 @@
 // "ready" on stdout, then serves requests until killed. Ping answers rc = the length of the name,
 // and throws for the name "throw", so that the client sees a server failure.
 // Exit status: 2 for wrong usage, 1 when the server can't be set up.
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 
 #include "peer/test_server.h"
 

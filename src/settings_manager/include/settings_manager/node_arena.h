@@ -11,7 +11,7 @@
 //
 // Any thread; the functions work on their arguments only.
 
-#include <ipc_runtime/idl/hl/settings_manager/types.h>
+#include <interfaces/hl/settings_manager/types.h>
 #include <settings_manager/arena_status.h>
 #include <settings_manager/raw_item.h>
 

@@ -10,9 +10,9 @@
 // process at the first WriteNext. A Wait with no update pending is held until a write wakes the
 // subscribers of its path (upd 1), or until the client's call timeout ends it.
 // Exit status: 2 for wrong usage, 1 when the server can't be set up.
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_reg.h>
+#include <interfaces/hl/settings_manager/nk_ism.h>
+#include <interfaces/hl/settings_manager/nk_ism_cbk.h>
+#include <interfaces/hl/settings_manager/nk_ism_reg.h>
 #include <settings_manager/node_arena.h>
 #include <ipc_runtime/server/serving_host.h>
 

@@ -3,7 +3,7 @@
 // oversized paths, and frames that fit no description at all.
 #pragma once
 
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
+#include <interfaces/hl/settings_manager/nk_ism.h>
 #include <settings_manager/ipc/proxy.h>
 #include <settings_manager/raw_item.h>
 #include <settings_manager/setting.h>

@@ -17,7 +17,7 @@
 
 #include <common_utils/app_utils/notice/i_notice.h>
 #include <common_utils/app_utils/notice/i_notice_factory.h>
-#include <ipc_runtime/idl/hl/app_manager/application_commands.h>
+#include <interfaces/hl/app_manager/application_commands.h>
 #include <ipc_runtime/ipc_deleter.h>
 
 #include <memory>

@@ -8,7 +8,7 @@
 
 #include <app_manager/i_application_controller.h>
 
-#include <ipc_runtime/idl/hl/app_manager/application_controller.h>
+#include <interfaces/hl/app_manager/application_controller.h>
 #include <ipc_runtime/ipc_deleter.h>
 
 #include <memory>

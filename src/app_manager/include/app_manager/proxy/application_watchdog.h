@@ -7,7 +7,7 @@
 
 #include <app_manager/i_application_watchdog.h>
 
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 #include <ipc_runtime/ipc_deleter.h>
 
 #include <memory>

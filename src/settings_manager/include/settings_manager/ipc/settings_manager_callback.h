@@ -12,8 +12,8 @@
 // returned, the observer of that sid isn't called again and isn't running. Unsubscribe must not be
 // called from inside OnUpdate of the same sid. An exception from an observer ends the process.
 
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_reg.h>
+#include <interfaces/hl/settings_manager/nk_ism_cbk.h>
+#include <interfaces/hl/settings_manager/nk_ism_reg.h>
 #include <settings_manager/i_settings_update_observer.h>
 #include <settings_manager/ipc/lazy_semaphore.h>
 #include <settings_manager/ipc/proxy.h>

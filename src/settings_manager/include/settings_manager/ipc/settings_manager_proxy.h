@@ -14,7 +14,7 @@
 // block the calling thread without a time limit; the proxy takes no lock and keeps no state between
 // calls, but one connection serves one call at a time, so callers on several threads must take turns.
 
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
+#include <interfaces/hl/settings_manager/nk_ism.h>
 #include <settings_manager/i_settings_manager.h>
 #include <settings_manager/ipc/proxy.h>
 #include <settings_manager/ipc/settings_manager_callback.h>

@@ -3,13 +3,13 @@
 // offset: the generated proxies over a fake platform call. The stubs are made from the same
 // descriptions; the cross-process tests and the fuzz corpora take them through real requests.
 #include <ipc_runtime/i_connector.h>
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
-#include <ipc_runtime/idl/hl/app_manager/application_commands.h>
-#include <ipc_runtime/idl/hl/app_manager/application_controller.h>
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_reg.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/app_manager/application_commands.h>
+#include <interfaces/hl/app_manager/application_controller.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/settings_manager/nk_ism.h>
+#include <interfaces/hl/settings_manager/nk_ism_cbk.h>
+#include <interfaces/hl/settings_manager/nk_ism_reg.h>
 #include <ipc_runtime/resource_provider.h>
 
 #include <platform/nk_result.h>

@@ -1,4 +1,4 @@
-#include <ipc_runtime/idl/hl/app_manager/application_watchdog.h>
+#include <interfaces/hl/app_manager/application_watchdog.h>
 
 namespace hosipc_detail::idl_traits {
 

@@ -1,4 +1,4 @@
-#include <ipc_runtime/idl/hl/settings_manager/nk_ism_cbk.h>
+#include <interfaces/hl/settings_manager/nk_ism_cbk.h>
 
 namespace hosipc_detail::idl_traits {
 

@@ -1,4 +1,4 @@
-#include <ipc_runtime/idl/hl/access_arbiter/access_arbiter.h>
+#include <interfaces/hl/access_arbiter/access_arbiter.h>
 
 namespace hosipc_detail::idl_traits {
 

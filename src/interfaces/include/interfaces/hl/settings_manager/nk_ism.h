@@ -10,7 +10,7 @@
 // and receives the response arena of Read and ReadNext into its own buffer (ArenaOut), reading the
 // node list at `nodes` from it. rc is the service's result code, negative on failure.
 
-#include <ipc_runtime/idl/hl/settings_manager/types.h>
+#include <interfaces/hl/settings_manager/types.h>
 #include <ipc_runtime/idl/interface_description.h>
 #include <ipc_runtime/idl/make_proxy.h>
 #include <ipc_runtime/idl/proxy_base.h>
