@@ -138,62 +138,56 @@ function(hl_add_benchmark name)
   hl_apply_warnings(${name})
 endfunction()
 
-# The usual shape of a subsystem folder:
-#   include/      public headers
-#   *.cpp, */*.cpp sources (everything below the folder except tests/, tools/, cmake/, bench/ and qt/)
-#   qt/           the Qt-side part of a subsystem whose library does without Qt; its cmake/ rules
-#                 build it
-#   tests/*_test.cpp   GoogleTest cases, one test executable for the subsystem (hl_<name>_tests);
-#                      tests/support/*.cpp are linked in; tests/main.cpp replaces gtest's main
-#   cmake/*.cmake  extra rules of the subsystem (resources, QML tests, peer programs), included last
+# A subsystem folder (a room), with every file named in its CMakeLists:
+#   include/       public headers (or INCLUDE_DIR)
+#   SOURCES        the library's sources and headers; tests/, tools/, cmake/, bench/ and qt/ hold
+#                  what is not the library
+#   TESTS          tests/*_test.cpp: GoogleTest cases, one test executable for the subsystem
+#                  (hl_<name>_tests); tests/main.cpp, when listed, replaces gtest's main
+#   TEST_SUPPORT   tests/support/*.cpp, linked into the tests, or made the library
+#                  TEST_SUPPORT_LIBRARY (headers included as "support/<name>.h") that other rooms'
+#                  tests link too
+#   EXTRAS         cmake/*.cmake: extra rules of the subsystem (resources, QML tests, peer programs),
+#                  included last
 #
-#   hl_add_subsystem(NAME [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [TEST_DEPS ...] [TEST_LABELS ...]
+#   hl_add_subsystem(NAME SOURCES ... [TESTS ...] [TEST_SUPPORT ...] [EXTRAS ...]
+#                    [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [TEST_DEPS ...] [TEST_LABELS ...]
 #                    [TEST_SUPPORT_LIBRARY target] [INCLUDE_DIR dir])
-# makes the library hl_<NAME>; its public headers are under INCLUDE_DIR (default include/). With TEST_SUPPORT_LIBRARY, tests/support/*.cpp become that library
-# (headers included as "support/<name>.h"), which the subsystem's tests and any other room's link.
+# makes the library hl_<NAME>; its public headers are under INCLUDE_DIR (default include/).
 function(hl_add_subsystem name)
-  cmake_parse_arguments(ARG "" "TEST_SUPPORT_LIBRARY;INCLUDE_DIR" "PUBLIC_DEPS;PRIVATE_DEPS;TEST_DEPS;TEST_LABELS"
-                        ${ARGN})
+  cmake_parse_arguments(ARG "" "TEST_SUPPORT_LIBRARY;INCLUDE_DIR"
+                        "SOURCES;TESTS;TEST_SUPPORT;EXTRAS;PUBLIC_DEPS;PRIVATE_DEPS;TEST_DEPS;TEST_LABELS" ${ARGN})
   if(NOT ARG_INCLUDE_DIR)
     set(ARG_INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/include")
   endif()
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS
-       "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h"
-       "${CMAKE_CURRENT_SOURCE_DIR}/*.c")
-  list(FILTER sources EXCLUDE REGEX "/(tests|tools|cmake|bench|qt)/")
-  # main.cpp belongs to an executable of the folder, not to its library
-  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
-  if(NOT sources)
-    # header-only for now: an interface library keeps the target usable
+  set(compiled ${ARG_SOURCES})
+  list(FILTER compiled INCLUDE REGEX "\\.(cpp|c)$")
+  if(NOT compiled)
+    # header-only: an interface library keeps the target usable
     add_library(hl_${name} INTERFACE)
     target_include_directories(hl_${name} INTERFACE "${ARG_INCLUDE_DIR}")
     target_link_libraries(hl_${name} INTERFACE ${ARG_PUBLIC_DEPS})
   else()
-    hl_add_library(hl_${name} SOURCES ${sources} INCLUDE_DIR "${ARG_INCLUDE_DIR}"
+    hl_add_library(hl_${name} SOURCES ${ARG_SOURCES} INCLUDE_DIR "${ARG_INCLUDE_DIR}"
                    PUBLIC_DEPS ${ARG_PUBLIC_DEPS} PRIVATE_DEPS ${ARG_PRIVATE_DEPS})
   endif()
 
-  file(GLOB test_sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/tests/*_test.cpp")
-  file(GLOB support_sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/*.cpp")
+  set(support_sources ${ARG_TEST_SUPPORT})
   if(ARG_TEST_SUPPORT_LIBRARY AND (HL_BUILD_TESTS OR HL_BUILD_BENCHMARKS))
     hl_add_library(${ARG_TEST_SUPPORT_LIBRARY} SOURCES ${support_sources}
                    INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/tests" PUBLIC_DEPS hl_${name})
     set(support_sources "")
     list(APPEND ARG_TEST_DEPS ${ARG_TEST_SUPPORT_LIBRARY})
   endif()
-  if(test_sources AND HL_BUILD_TESTS)
+  if(ARG_TESTS AND HL_BUILD_TESTS)
     if(NOT ARG_TEST_LABELS)
       set(ARG_TEST_LABELS unit)
     endif()
-    set(main_source "")
-    if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/tests/main.cpp")
-      set(main_source "${CMAKE_CURRENT_SOURCE_DIR}/tests/main.cpp")
-    endif()
-    add_executable(hl_${name}_tests ${test_sources} ${support_sources} ${main_source})
+    add_executable(hl_${name}_tests ${ARG_TESTS} ${support_sources})
     target_include_directories(hl_${name}_tests PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}"
                                "${CMAKE_CURRENT_SOURCE_DIR}/tests")
     target_link_libraries(hl_${name}_tests PRIVATE hl_${name} ${ARG_TEST_DEPS} GTest::gtest GTest::gmock)
-    if(NOT main_source)
+    if(NOT "tests/main.cpp" IN_LIST ARG_TESTS)
       target_link_libraries(hl_${name}_tests PRIVATE GTest::gtest_main)
     endif()
     target_compile_definitions(hl_${name}_tests PRIVATE HL_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
@@ -208,9 +202,8 @@ function(hl_add_subsystem name)
     hl_label_discovered_tests(hl_${name}_tests "${ARG_TEST_LABELS}")
   endif()
 
-  file(GLOB extras CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/cmake/*.cmake")
-  foreach(extra IN LISTS extras)
-    include("${extra}")
+  foreach(extra IN LISTS ARG_EXTRAS)
+    include("${CMAKE_CURRENT_SOURCE_DIR}/${extra}")
   endforeach()
 endfunction()
 
