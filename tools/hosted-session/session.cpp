@@ -114,10 +114,13 @@ bool Session::Start(const std::string& unitLines, std::chrono::milliseconds time
         return false;
     }
     const std::size_t readyBefore = CountInLog("]: ReadyToShowUI");
+    // The manager stays when its program ends before it is ready and is not restarted.
+    const std::string notRestarted = m_setup.name + ": not restarted";
+    const std::size_t endedBefore = CountInLog(notRestarted);
     StartManager(unitLines);
     const auto deadline = Clock::now() + timeout;
     while (CountInLog("]: ReadyToShowUI") <= readyBefore) {
-        if (Clock::now() >= deadline || !m_manager->Running()) {
+        if (Clock::now() >= deadline || !m_manager->Running() || CountInLog(notRestarted) > endedBefore) {
             return false;
         }
         std::this_thread::sleep_for(20ms);

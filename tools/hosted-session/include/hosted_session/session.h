@@ -67,7 +67,8 @@ public:
     // another.
     void StartManager(const std::string& unitLines);
     // The settings service when none runs yet, then the manager; waits up to `timeout` for one more
-    // ReadyToShowUI of the program. False when either does not come up.
+    // ReadyToShowUI of the program. False when either does not come up, or the program ends for
+    // good first.
     bool Start(const std::string& unitLines = "restart=no\n",
                std::chrono::milliseconds timeout = std::chrono::seconds(120));
     ChildProcess& Manager() { return *m_manager; }
