@@ -41,13 +41,6 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     DEPS hl_test_support
     LABELS e2e
     TIMEOUT 300)
-  # A client of the generated proxy reads the shown dialog's pixels and clicks it (captured with
-  # ImageMagick's import); a held server name fails the start.
-  hl_add_test(hl_access_arbiter_shown_window_tests
-    SOURCES "${_aa_e2e}/shown_window_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
-    DEPS hl_access_arbiter
-    LABELS e2e
-    TIMEOUT 300)
   # The language read from the settings service; one case waits out the connection attempts (5 min).
   hl_add_test(hl_access_arbiter_language_e2e_tests
     SOURCES "${_aa_e2e}/language_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
@@ -66,7 +59,7 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
       HL_SCREEN_READER="${_aa_e2e}/support/screen_reader.py")
   endif()
   foreach(_aa_target hl_access_arbiter_callers_e2e_tests hl_access_arbiter_session_faults_e2e_tests
-                     hl_access_arbiter_language_e2e_tests hl_access_arbiter_shown_window_tests
+                     hl_access_arbiter_language_e2e_tests
                      hl_access_arbiter_desktop_e2e_tests)
     if(TARGET ${_aa_target})
       # The session finds the executables and its font configuration in the build tree's bin/, as

@@ -91,32 +91,6 @@ TEST_F(Language, TheDialogFollowsTheLanguageSetWithTheSettingsToolFromItsNextSta
     EXPECT_EQ(m_session.CountInLog("SMgr GetSettingValue"), 0U) << m_session.Log();
 }
 
-TEST_F(Language, AnAbsentOrUnreadableSettingGivesTheDefaultLanguageWithOneWarning) {
-    ASSERT_TRUE(m_session.StartSettings());
-    const struct {
-        std::vector<std::string> change;
-        const char* warning;
-    } cases[] = {
-        {{"delete", "locale/language"}, "SMgr GetSettingValue: can not get 'locale/language/', result = "},
-        {{"set", "locale/language", "7", "--type", "i64"},
-         "SMgr GetSettingValue: 'locale/language/' wrong type, index = 7"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.warning);
-        std::vector<std::string> arguments{"--service", kService};
-        arguments.insert(arguments.end(), c.change.begin(), c.change.end());
-        ASSERT_EQ(m_session.SettingsTool(arguments), 0);
-        const std::size_t before = m_session.CountInLog(Installed("ru_RU"));
-        ASSERT_TRUE(m_session.Start()) << m_session.Log();
-        EXPECT_EQ(ShownLanguage(), "ru-RU");
-        EXPECT_EQ(m_session.CountInLog(c.warning), 1U) << m_session.Log();
-        EXPECT_EQ(m_session.CountInLog(Installed("ru_RU")), before + 1);
-        ASSERT_TRUE(m_session.Stop()) << m_session.Log();
-    }
-    EXPECT_EQ(m_session.CountInLog("Unable to determine locale <>. Default is <ru_RU>"), 2U)
-        << m_session.Log();
-}
-
 TEST_F(Language, AServiceThatIsNotThereYetIsWaitedForAndItsLanguageShown) {
     m_session.StartManager("restart=no\n");
     ASSERT_TRUE(m_session.WaitForLog("Connecting to hl.settings_manager.MSmgr settings manager", 60s))

@@ -1,10 +1,13 @@
 // Faults met by the real AccessArbiter under hl-appmgr, on an X server of the test's own: malformed and
 // misdirected requests sent to its decision service by a raw client below the platform, the manager
-// dying under it, and a stop while a decision is still being asked for.
+// dying under it, a stop while a decision is still being asked for, and a server name held by
+// another server.
 #include "support/hosted_session.h"
 #include "support/raw_socket.h"
 
 #include <gtest/gtest.h>
+
+#include <platform/platform.h>
 
 #include <signal.h>
 
@@ -174,6 +177,24 @@ TEST_F(SessionFaults, AStopWhileADecisionIsAskedForEndsTheProgramWithSigkillAfte
     }
     EXPECT_EQ(caller->Wait(10s), 2);
     EXPECT_NE(caller->Output().find("peer gone"), std::string::npos) << caller->Output();
+}
+
+// The program's own failure path: its server name is held by another server, so the dispatcher cannot
+// be made; the start fails with the check's text, reported to the manager, and the program exits 1.
+TEST_F(SessionFaults, AHeldServerNameFailsTheStartWithTheDispatcherTextReportedToTheManager) {
+    unsigned int id = 0;
+    const unsigned int held = ServiceLocatorRegister("accessArbiter_id", nullptr, 0, &id);
+    ASSERT_NE(held, NK_INVALID_HANDLE);
+    ASSERT_TRUE(m_session.StartSettings());
+    m_session.StartManager("restart=no\n");
+    EXPECT_TRUE(m_session.WaitForLog("]: exited with status 1", 120s)) << m_session.Log();
+    EXPECT_EQ(m_session.CountInLog("Failed to create ipc dispatcher!"), 1U) << m_session.Log();
+    EXPECT_EQ(m_session.CountInLog("AccessArbiter start with error"), 1U);
+    EXPECT_EQ(m_session.CountInLog("]: FinishWithInternalError: Failed to start AccessArbiter"), 1U);
+    EXPECT_EQ(m_session.CountInLog("App AccessArbiter crashed with error"), 1U);
+    EXPECT_EQ(m_session.CountInLog("]: ReadyToShowUI"), 0U);
+    KnHandleClose(held);
+    ServiceLocatorUnregister(id);
 }
 
 }  // namespace

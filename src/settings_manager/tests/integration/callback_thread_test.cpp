@@ -80,15 +80,6 @@ std::vector<std::string> UpdateRoundTrip(settings_manager::ISettingsManager& man
     return updates;
 }
 
-TEST(CallbackThread, AnUpdateReachesTheObserverAndIsConfirmedWithDone) {
-    hos::platform::testing::ScopedRuntimeDirectory directory;
-    auto server = PeerProcess::Start({HL_SETTINGS_TEST_SERVER, kService});
-    ASSERT_NE(server, nullptr);
-    auto manager = Connect();
-    ASSERT_NE(manager, nullptr);
-    EXPECT_EQ(UpdateRoundTrip(*manager, *server), std::vector<std::string>{"test/x/ 1"});
-}
-
 TEST(CallbackThread, AfterTheServiceDiesWaitFailuresRepeatWithPausesAndTheClientStopsAndReconnects) {
     hos::platform::testing::ScopedRuntimeDirectory directory;
     auto server = PeerProcess::Start({HL_SETTINGS_TEST_SERVER, kService});
