@@ -1,24 +1,3 @@
-# Starts the real executable beside the test application manager and reads what both write; needs the
-# program, so only with main.cpp.
-if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
-  hl_add_test(hl_access_arbiter_e2e_tests
-    SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/process_start_e2e_test.cpp"
-    DEPS hl_test_support
-    LABELS e2e
-    TIMEOUT 300)
-  if(TARGET hl_access_arbiter_e2e_tests)
-    target_include_directories(hl_access_arbiter_e2e_tests PRIVATE
-      "${CMAKE_SOURCE_DIR}/src/app_manager/tests")
-    # The executable is defined after this file is included; both work with a later target.
-    target_compile_definitions(hl_access_arbiter_e2e_tests PRIVATE
-      HL_ACCESS_ARBITER_EXECUTABLE="$<TARGET_FILE:access_arbiter>"
-      HL_APP_MANAGER_TEST_MANAGER="$<TARGET_FILE:hl_app_manager_test_manager>"
-      HL_SETTINGS_TEST_SERVER="$<TARGET_FILE:hl_settings_manager_test_server>")
-    add_dependencies(hl_access_arbiter_e2e_tests access_arbiter hl_app_manager_test_manager
-                     hl_settings_manager_test_server)
-  endif()
-endif()
-
 # Whole sessions of the real executables (hl-settingsd, hl-appmgr, access_arbiter, hl-ask) on an X server the tests
 # start themselves (Xvfb), clicked with xdotool. The callers' tests meet the dispatcher thread and the
 # Qt main thread from several processes at once, yet they carry no concurrency label: under the

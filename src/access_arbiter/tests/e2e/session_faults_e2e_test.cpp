@@ -190,11 +190,48 @@ TEST_F(SessionFaults, AHeldServerNameFailsTheStartWithTheDispatcherTextReportedT
     EXPECT_TRUE(m_session.WaitForLog("]: exited with status 1", 120s)) << m_session.Log();
     EXPECT_EQ(m_session.CountInLog("Failed to create ipc dispatcher!"), 1U) << m_session.Log();
     EXPECT_EQ(m_session.CountInLog("AccessArbiter start with error"), 1U);
-    EXPECT_EQ(m_session.CountInLog("]: FinishWithInternalError: Failed to start AccessArbiter"), 1U);
+    EXPECT_EQ(m_session.CountInLog("]: FinishWithInternalError: Failed to start AccessArbiter / Failed to "
+                                   "start AccessArbiter: Unspecified error = 0x8000004b"),
+              1U);
     EXPECT_EQ(m_session.CountInLog("App AccessArbiter crashed with error"), 1U);
+    EXPECT_EQ(m_session.CountInLog("]: ReadyToInitialize"), 1U);
     EXPECT_EQ(m_session.CountInLog("]: ReadyToShowUI"), 0U);
     KnHandleClose(held);
     ServiceLocatorUnregister(id);
+}
+
+// The program calls itself by its argv[0], which the manager sets to the unit's name; an empty one is
+// logged once and the default name reaches the manager instead.
+TEST(ProgramName, TheManagerHearsTheNameItGaveOrTheDefaultForAnEmptyOne) {
+    ASSERT_TRUE(HostedSession::StartDisplay());
+    {
+        HostedSession session("access_arbiter");
+        ASSERT_TRUE(session.Start()) << session.Log();
+        const std::string pid = std::to_string(session.ProgramPid());
+        EXPECT_TRUE(session.WaitForLog("access_arbiter[" + pid + "]: Ping", 30s)) << session.Log();
+        EXPECT_EQ(session.CountInLog("access_arbiter[" + pid + "]: ReadyToShowUI"), 1U) << session.Log();
+        EXPECT_EQ(session.CountInLog("Failed to get an app name"), 0U);
+        EXPECT_TRUE(session.Stop()) << session.Log();
+    }
+    HostedSession session;
+    ASSERT_TRUE(session.Start("restart=no\nprogram=/bin/bash\nargument=-c\nargument=exec -a '' " HL_BIN_DIR
+                              "/access_arbiter\n"))
+        << session.Log();
+    EXPECT_EQ(session.CountInLog("Failed to get an app name"), 1U) << session.Log();
+    EXPECT_EQ(session.CountInLog("AccessArbiter[" + std::to_string(session.ProgramPid()) + "]: ReadyToShowUI"),
+              1U);
+    EXPECT_TRUE(session.Stop()) << session.Log();
+}
+
+// Without a manager to find, the program ends at once with status 1 and no report to anyone.
+TEST(ProgramName, WithoutAManagerTheProgramExitsOne) {
+    HostedSession session;
+    ChildProcess program({HL_BIN_DIR "/access_arbiter"}, session.Directory() + "/alone");
+    EXPECT_EQ(program.Wait(120s), 1) << program.Output();
+    EXPECT_NE(program.Output().find("App manager in null"), std::string::npos) << program.Output();
+    EXPECT_NE(program.Output().find("Cannot create application manager proxy"), std::string::npos);
+    EXPECT_EQ(program.Output().find("AccessArbiter is ready"), std::string::npos);
+    EXPECT_EQ(program.Output().find("crashed with error"), std::string::npos) << "no status, so no report";
 }
 
 }  // namespace

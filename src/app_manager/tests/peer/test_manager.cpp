@@ -1,11 +1,11 @@
 // An application manager for the tests, in a process of its own: serves the controller, commands and
 // watchdog interfaces from their generated stubs over the hosted platform.
 //
-//   hl_app_manager_test_manager <server name> [--no-publish] [--no-handle] [--hold NAME]
+//   hl_app_manager_test_manager <server name> [--no-handle]
 //
 // Registers <server name> with the endpoints "app_manager.applicationController" (riid 1),
 // "app_manager.applicationCommands" (2) and "app_manager.applicationWatchdog" (3), publishes the type
-// "hl.app_manager.ApplicationManager.applicationManager" there (unless --no-publish), prints "ready",
+// "hl.app_manager.ApplicationManager.applicationManager" there, prints "ready",
 // then prints one line per request it serves:
 //   StartApplication|ReadyToInitialize|ReadyToShowUI <name>
 //   FinishWithInternalError <name>|<error>|<details>
@@ -13,7 +13,6 @@
 //   GetUpdateHandle <name>      (answers the invalid handle with --no-handle)
 //   GetCommand <name>           (answers value 42, rc = the length of the name)
 //   Ping <name>                 (answers rc = the length of the name)
-// --hold NAME also registers a second server under NAME, so that a program can't take that name.
 // Every request whose name is "throw" fails on the server side. Lines on standard input:
 //   update   raises the update event (bit 16) on the handle given out last
 //   close    closes the manager's end of that handle
@@ -134,13 +133,7 @@ void ReadCommands(Commands& commands) {
     }
 }
 
-int Serve(const char* serverName, bool publish, bool giveHandle, const std::string& held) {
-    unsigned int heldRegistration = 0;
-    if (!held.empty() &&
-        ServiceLocatorRegister(held.c_str(), nullptr, 0, &heldRegistration) == NK_INVALID_HANDLE) {
-        std::fprintf(stderr, "test manager: can't hold %s\n", held.c_str());
-        return 1;
-    }
+int Serve(const char* serverName, bool giveHandle) {
     Controller controller;
     Commands commands(giveHandle);
     Watchdog watchdog;
@@ -152,9 +145,7 @@ int Serve(const char* serverName, bool publish, bool giveHandle, const std::stri
                                          "hl.app_manager.ApplicationCommands", &commands)
         .Serve<idl::ApplicationWatchdog>(kWatchdogRiid, "app_manager.applicationWatchdog", "applicationWatchdog",
                                          "hl.app_manager.ApplicationWatchdog", &watchdog);
-    if (publish) {
-        tree.PublishType("hl.app_manager.ApplicationManager.applicationManager");
-    }
+    tree.PublishType("hl.app_manager.ApplicationManager.applicationManager");
     std::thread(ReadCommands, std::ref(commands)).detach();
     return hl_test::ServeForever(std::move(tree), serverName);
 }
@@ -163,24 +154,18 @@ int Serve(const char* serverName, bool publish, bool giveHandle, const std::stri
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s <server name> [--no-publish] [--no-handle] [--hold NAME]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s <server name> [--no-handle]\n", argv[0]);
         return 2;
     }
-    bool publish = true;
     bool giveHandle = true;
-    std::string held;
     for (int i = 2; i < argc; ++i) {
         const std::string option = argv[i];
-        if (option == "--hold" && i + 1 < argc) {
-            held = argv[++i];
-        } else if (option == "--no-publish") {
-            publish = false;
-        } else if (option == "--no-handle") {
+        if (option == "--no-handle") {
             giveHandle = false;
         } else {
             std::fprintf(stderr, "unknown option %s\n", argv[i]);
             return 2;
         }
     }
-    return Serve(argv[1], publish, giveHandle, held);
+    return Serve(argv[1], giveHandle);
 }

@@ -101,7 +101,17 @@ void HostedSession::StopWindowManager() {
     }
 }
 
-HostedSession::HostedSession() : Session(hl::hosted_session::SessionSetup::Beside(HL_BIN_DIR)) {}
+namespace {
+
+hl::hosted_session::SessionSetup Named(const std::string& name) {
+    auto setup = hl::hosted_session::SessionSetup::Beside(HL_BIN_DIR);
+    setup.name = name;
+    return setup;
+}
+
+}  // namespace
+
+HostedSession::HostedSession(const std::string& name) : Session(Named(name)) {}
 
 std::vector<std::string> HostedSession::ShownWindows() const {
     return Lines(RunCommand("xdotool search --onlyvisible --name '^AccessArbiter$' 2>/dev/null"));

@@ -40,7 +40,8 @@ public:
     static bool WaitForWindowManager();
     static void StopWindowManager();
 
-    HostedSession();
+    // The manager names the program `name` (its argv[0], and the name it reports under).
+    explicit HostedSession(const std::string& name = "AccessArbiter");
 
     // The X windows of AccessArbiter that are mapped (viewable) now.
     std::vector<std::string> ShownWindows() const;
