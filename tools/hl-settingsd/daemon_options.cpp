@@ -15,7 +15,8 @@ const char* const kUsage =
     "  --state-dir DIR    where persistent stores live (default $XDG_STATE_HOME/halcyra,\n"
     "                     else ~/.local/state/halcyra; created with mode 0700)\n"
     "  --defaults FILE    the defaults of MSmgr (default: msmgr.json shipped with the program)\n"
-    "  --log-level LEVEL  0 trace, 1 debug, 2 info (default), 3 warning, 4 error, 5 critical, 6 off\n"
+    "  --log-level LEVEL  0 trace, 1 debug, 2 info (default), 3 warning, 4 error, 5 critical, 6 off;\n"
+    "                     at 1 every request is logged as 'request <Method> ...'\n"
     "  --help             this text\n"
     "\n"
     "Exit codes: 0 stopped by SIGTERM or SIGINT; 1 usage error; 2 the store or the defaults can't be\n"
@@ -31,7 +32,8 @@ std::optional<DaemonOptions> ParseOptions(const std::vector<std::string>& argume
             options.help = true;
             return options;
         }
-        if (argument == "--state-dir" || argument == "--defaults" || argument == "--log-level") {
+        if (argument == "--state-dir" || argument == "--defaults" || argument == "--log-level" ||
+            argument == "--fault-for-testing") {
             if (!hasValue) {
                 error = argument + " needs a value";
                 return std::nullopt;
@@ -41,6 +43,12 @@ std::optional<DaemonOptions> ParseOptions(const std::vector<std::string>& argume
                 options.stateDir = value;
             } else if (argument == "--defaults") {
                 options.defaults = value;
+            } else if (argument == "--fault-for-testing") {
+                if (value != "writenext-refused" && value != "writenext-exit") {
+                    error = "--fault-for-testing takes writenext-refused or writenext-exit";
+                    return std::nullopt;
+                }
+                options.faultForTesting = value;
             } else if (value.size() == 1 && value[0] >= '0' && value[0] <= '6') {
                 options.logLevel = value[0] - '0';
             } else {

@@ -3,6 +3,8 @@
 //
 //   hl-settingsd [--state-dir DIR] [--defaults FILE] [--log-level LEVEL] SERVICE
 //
+// The tests add --fault-for-testing writenext-refused|writenext-exit, which nothing else may use.
+//
 // SERVICE is one of the seven service names (or its short form, "MSmgr"). --state-dir is where a
 // persistent service keeps its database (default $XDG_STATE_HOME/halcyra, else ~/.local/state/halcyra);
 // --defaults the JSON defaults of the non-persistent service (default: the file shipped beside the
@@ -21,6 +23,8 @@ struct DaemonOptions {
     std::optional<std::string> stateDir;
     std::optional<std::string> defaults;
     int logLevel = 2;
+    // A fault the client's tests need, which no well-formed exchange produces; empty: none.
+    std::string faultForTesting;
     bool help = false;
 };
 

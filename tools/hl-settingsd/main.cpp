@@ -78,6 +78,11 @@ int main(int argc, char** argv) {
         HL_LOG(LogLevel::Critical, "{}: the store can't be opened: {}", name, e.what());
         return kExitStore;
     }
+    if (!options->faultForTesting.empty()) {
+        service->SetFaultForTesting(options->faultForTesting == "writenext-exit"
+                                        ? hl_settingsd::SettingsService::FaultForTesting::kWriteNextExit
+                                        : hl_settingsd::SettingsService::FaultForTesting::kWriteNextRefused);
+    }
     std::unique_ptr<hosipc::server::ServingHost> host;
     try {
         using namespace hosipc::idl::stdcpp_v1::hl::settings_manager;

@@ -11,6 +11,7 @@
 #include <uvc/path_text.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace hl_settingsd {
@@ -22,6 +23,8 @@ using settings_manager::Setting;
 namespace arena = hos::ipc::arena;
 
 constexpr std::size_t kChunkNodes = 8;
+// The status of a process that ends at a WriteNext because its test asked for it.
+constexpr int kExitForTesting = 4;
 constexpr std::int32_t kOutOfSpace = static_cast<std::int32_t>(0x80000062u);
 
 std::string CodeText(std::int32_t code) {
@@ -74,6 +77,7 @@ nk_ptr_t SettingsService::NextChunk(ExchangeTable::Read& read, nk_arena& respons
 
 void SettingsService::Read(const Bytes& pathBytes, std::uint8_t readMask, std::uint64_t& ncount,
                            nk_ptr_t& nodes, std::uint64_t& id, std::int32_t& rc, nk_arena& responseArena) {
+    HL_LOG(LogLevel::Debug, "request Read");
     uvc::Path path;
     if (!ParsePath(pathBytes, "Read", path)) {
         rc = kInvalidArgument;
@@ -105,6 +109,7 @@ void SettingsService::Read(const Bytes& pathBytes, std::uint8_t readMask, std::u
 
 void SettingsService::ReadNext(std::uint64_t id, nk_ptr_t& nodes, std::uint8_t& last, std::int32_t& rc,
                                nk_arena& responseArena) {
+    HL_LOG(LogLevel::Debug, "request ReadNext");
     ExchangeTable::Read* read = m_exchanges.FindRead(id);
     if (read == nullptr) {
         HL_LOG(LogLevel::Warning, "ReadNext of #{:X}, which is no open read exchange: refused", id);
@@ -153,6 +158,7 @@ void SettingsService::Write(const nk_arena& requestArena, nk_ptr_t pathRef, std:
         rc = kInvalidArgument;
         return;
     }
+    HL_LOG(LogLevel::Debug, "request Write {}", write.items.size());
     if (write.items.size() > ncount) {
         HL_LOG(LogLevel::Warning, "Write '{}': {} nodes sent where {} were announced: refused", path,
                write.items.size(), ncount);
@@ -179,7 +185,17 @@ void SettingsService::WriteNext(const nk_arena& requestArena, std::uint64_t id, 
     }
     ExchangeTable::RawItems items;
     const char* fault = nullptr;
-    if (!arena::impl::Read(requestArena, nodes, items)) {
+    const bool readable = arena::impl::Read(requestArena, nodes, items);
+    HL_LOG(LogLevel::Debug, "request WriteNext {} last={}", items.size(), last);
+    if (m_fault == FaultForTesting::kWriteNextExit) {
+        HL_LOG(LogLevel::Critical, "WriteNext #{:X}: ending the process, as the test asked", id);
+        std::_Exit(kExitForTesting);
+    }
+    if (m_fault == FaultForTesting::kWriteNextRefused) {
+        rc = kInvalidArgument;
+        return;
+    }
+    if (!readable) {
         fault = "the node list lies outside the request";
         rc = kInvalidArgument;
     } else if (write->items.size() + items.size() > write->ncount) {
@@ -213,6 +229,7 @@ void SettingsService::WriteNext(const nk_arena& requestArena, std::uint64_t id, 
 }
 
 void SettingsService::Cancel(std::uint64_t id, std::int32_t& rc) {
+    HL_LOG(LogLevel::Debug, "request Cancel");
     if (m_exchanges.Close(id)) {
         HL_LOG(LogLevel::Info, "exchange #{:X} cancelled", id);
         rc = kOk;
@@ -296,6 +313,7 @@ void SettingsService::SetAttrib(const Bytes& pathBytes, std::uint8_t attr, std::
 }
 
 void SettingsService::Delete(const Bytes& pathBytes, std::int32_t& rc) {
+    HL_LOG(LogLevel::Debug, "request Delete");
     uvc::Path path;
     if (!ParsePath(pathBytes, "Delete", path)) {
         rc = kInvalidArgument;
@@ -371,6 +389,7 @@ void SettingsService::Wait(std::uint64_t cid, std::uint64_t& sid, nk_ptr_t& path
 
 void SettingsService::Done(std::uint64_t cid, std::uint64_t sid, std::int32_t& rc) {
     rc = m_subscriptions.Confirm(cid, sid) ? kOk : kNotFound;
+    HL_LOG(LogLevel::Debug, "request Done {}", sid);
     HL_LOG(LogLevel::Debug, "Done ${} of @{:X}", sid, cid);
 }
 

@@ -33,6 +33,10 @@ public:
     using Bytes = std::vector<unsigned char>;
 
     // Loads the tree from the store (which may throw std::runtime_error).
+    // For the client's tests only: every WriteNext is refused with 0x80000046, or ends the process.
+    enum class FaultForTesting { kNone, kWriteNextRefused, kWriteNextExit };
+    void SetFaultForTesting(FaultForTesting fault) { m_fault = fault; }
+
     SettingsService(std::unique_ptr<ITreeStore> store,
                     std::shared_ptr<hosipc::server::DeferredReplies> held);
 
@@ -76,6 +80,7 @@ private:
     SettingsTree m_tree;
     ExchangeTable m_exchanges;
     SubscriptionTable m_subscriptions;
+    FaultForTesting m_fault = FaultForTesting::kNone;
 };
 
 }  // namespace hl_settingsd

@@ -1,12 +1,12 @@
 // Update subscriptions of hl-settingsd as real processes: which subscriptions a change wakes and with
-// which kind, a change seen by two subscriber processes, and a subscriber killed while the other keeps
-// receiving. The client side's retry after a service restart is tested with the client
-// (src/settings_manager/tests/integration/callback_thread_test.cpp).
+// which kind, a change seen by two subscriber processes, a subscriber killed while the other keeps
+// receiving, and the client's callback thread when the service dies and comes back.
 #include <settings_manager/creators.h>
 #include <settings_manager/i_settings_update_observer.h>
 #include <settings_manager/meta/path_id_rules.h>
 #include <settings_manager/path_to_str.h>
 #include <settings_manager/setting.h>
+#include <diagnostics/log_capture_for_testing.h>
 #include <uvc/path_text.h>
 
 #include "support/scoped_runtime_directory.h"
@@ -57,11 +57,17 @@ private:
 class Subscriptions : public testing::Test {
 protected:
     void SetUp() override {
+        StartDaemon();
+        Connect();
+    }
+    void StartDaemon() {
         m_daemon =
             // Debug level: the log then shows each Done, which the killed-subscriber test waits for.
             hl_settingsd::testing::SettingsdProcess::Start({"--log-level", "1", kService},
                                                            m_directory.Path() + "/settingsd.log");
         ASSERT_NE(m_daemon, nullptr);
+    }
+    void Connect() {
         ASSERT_EQ(vdi::common_utils::settings::CreateSettingsManagerNonPersistent(m_manager), 0);
         m_manager->GetSettingsSetter(m_setter);
         m_manager->GetSettingsValueSetter(m_valueSetter);
@@ -144,6 +150,48 @@ TEST_F(Subscriptions, TwoSubscriberProcessesSeeAChangeAndAKilledOneIsDroppedWith
     // The service goes on for the living one.
     EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("it-IT")), 0);
     EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
+}
+
+// When the service goes away the client's callback thread reports each failed Wait and pauses; the
+// client still stops cleanly, and a new one registers afresh with the restarted service, gets an update
+// and confirms it with Done.
+TEST_F(Subscriptions, AfterTheServiceDiesWaitFailuresRepeatAndANewClientOfTheRestartedOneGetsItsUpdates) {
+    hos::logger::LogCaptureForTesting log;
+    const auto failures = [&log](const char* text) {
+        std::size_t count = 0;
+        for (const auto& record : log.Records()) {
+            count += record.message.find(text) != std::string::npos ? 1 : 0;
+        }
+        return count;
+    };
+    m_daemon->Kill();
+    for (int i = 0; i < 100 && failures(": Wait call error: nk = ") < 2; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    EXPECT_GE(failures(": Wait call error: nk = "), 2u);
+
+    ASSERT_NO_FATAL_FAILURE(StartDaemon());
+    // The old client stops: its UnregCallback fails on the dead connection, the thread is joined.
+    m_subscriber.reset();
+    m_setter.reset();
+    m_valueSetter.reset();
+    m_deleter.reset();
+    m_manager.reset();
+    EXPECT_GE(failures(": UnregCallback call error: nk = "), 1u);
+
+    ASSERT_NO_FATAL_FAILURE(Connect());
+    auto observer = std::make_shared<RecordingObserver>();
+    settings_manager::SubscriptionId sid;
+    ASSERT_EQ(m_subscriber->Subscribe(P("test/"), observer, sid), 0);
+    EXPECT_EQ(m_setter->SetSetting(P("test/x/"), Setting(true)), 0);
+    EXPECT_EQ(observer->WaitFor(1), std::vector<std::string>{"test/x/ 1"});
+    const std::string done = "request Done " + std::to_string(sid.value);
+    for (int i = 0; i < 100 && !m_daemon->LogContains(done); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    EXPECT_TRUE(m_daemon->LogContains(done)) << m_daemon->Log();
+    EXPECT_EQ(m_subscriber->Unsubscribe(sid), 0);
+    EXPECT_EQ(m_subscriber->Unsubscribe(sid), static_cast<std::int32_t>(0x8000004Cu));
 }
 
 }  // namespace

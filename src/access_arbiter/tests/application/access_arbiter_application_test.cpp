@@ -61,13 +61,15 @@ std::string ConstructionError(const AccessArbiter::SettingsManagerCreator& creat
 class ApplicationSettings : public testing::Test {
 protected:
     void SetUp() override {
-        m_server = PeerProcess::Start({HL_SETTINGS_TEST_SERVER, kService});
-        ASSERT_NE(m_server, nullptr) << "the settings server didn't come up";
+        m_server = PeerProcess::Start({HL_SETTINGSD, kService});
+        ASSERT_NE(m_server, nullptr) << "hl-settingsd didn't come up";
         // Written as a person would, through a connection of the test's own. It lives through the
         // test, so the callback thread the proxies of one service share outlives each object made.
         ASSERT_EQ(vdi::common_utils::settings::CreateSettingsManagerNonPersistent(m_manager), 0);
         ASSERT_EQ(m_manager->GetSettingsSetter(m_setter), 0);
         ASSERT_EQ(m_manager->GetSettingsDeleter(m_deleter), 0);
+        // Each case starts with the language absent, unlike the service's shipped defaults.
+        m_deleter->DeleteSetting(settings_manager::paths::kLocaleLanguage);
     }
 
     void SetLanguage(const Setting& value) {

@@ -40,6 +40,18 @@ std::unique_ptr<SettingsdProcess> SettingsdProcess::Start(const std::vector<std:
     return process;
 }
 
+std::vector<std::string> SettingsdProcess::Requests() const {
+    std::vector<std::string> requests;
+    std::istringstream log(Log());
+    for (std::string line; std::getline(log, line);) {
+        const auto at = line.find(": request ");
+        if (at != std::string::npos) {
+            requests.push_back(line.substr(at + 10));
+        }
+    }
+    return requests;
+}
+
 std::string SettingsdProcess::Log() const {
     std::ifstream in(m_logFile);
     std::ostringstream text;

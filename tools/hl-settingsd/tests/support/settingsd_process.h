@@ -19,6 +19,8 @@ public:
     // The log so far.
     std::string Log() const;
     bool LogContains(const std::string& text) const { return Log().find(text) != std::string::npos; }
+    // The requests logged so far at debug level ("Write 8", "WriteNext 1 last=1", "Read", ...).
+    std::vector<std::string> Requests() const;
 
 private:
     std::unique_ptr<hos::platform::testing::PeerProcess> m_peer;

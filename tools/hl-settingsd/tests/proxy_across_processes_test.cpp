@@ -1,6 +1,7 @@
-// The settings client against a settings service in a process of its own, over the hosted
-// platform's channels: the chunked write and read exchanges at their edges, failures of the service
-// and of the connection, and the creator that finds the non-persistent service by name.
+// The settings client against hl-settingsd in a process of its own, over the hosted platform's
+// channels: the chunked write and read exchanges at their edges (the requests as the service logs
+// them), failures of the service and of the connection, and the creator that finds the
+// non-persistent service by name.
 #include <settings_manager/creators.h>
 #include <settings_manager/ipc/create_settings_manager.h>
 #include <settings_manager/ipc/settings_manager_proxy.h>
@@ -9,18 +10,20 @@
 
 #include <diagnostics/log_capture_for_testing.h>
 
-#include "support/peer_process.h"
 #include "support/scoped_runtime_directory.h"
+#include "support/settingsd_process.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
 
-using hos::platform::testing::PeerProcess;
 using settings_manager::Setting;
 using settings_manager::SettingMap;
 
@@ -45,43 +48,54 @@ uvc::Path At(const std::string& name) {
 
 class ProxyAcrossProcesses : public testing::Test {
 protected:
-    void Start(std::vector<std::string> options = {}) {
-        std::vector<std::string> arguments{HL_SETTINGS_TEST_SERVER, kService};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        m_server = PeerProcess::Start(arguments);
-        ASSERT_NE(m_server, nullptr) << "the settings server didn't come up";
+    // hl-settingsd at debug level, which logs each request; `fault` for --fault-for-testing.
+    void Start(const std::string& fault = {}) {
+        std::vector<std::string> arguments{"--log-level", "1"};
+        if (!fault.empty()) {
+            arguments.insert(arguments.end(), {"--fault-for-testing", fault});
+        }
+        arguments.push_back(kService);
+        m_server = hl_settingsd::testing::SettingsdProcess::Start(arguments, m_directory.Path() + "/settingsd.log");
+        ASSERT_NE(m_server, nullptr);
         ASSERT_EQ(vdi::common_utils::settings::CreateSettingsManagerNonPersistent(m_manager), 0);
         ASSERT_EQ(m_manager->GetSettingsSetter(m_setter), 0);
         ASSERT_EQ(m_manager->GetSettingsGetter(m_getter), 0);
     }
 
-    // The server's request lines up to (not including) the Delete that marks the end.
+    // The requests the service logged since the last transcript, up to (not including) the Delete
+    // that marks the end.
     std::vector<std::string> Transcript() {
-        const auto marker = At("marker");
-        m_setter.reset();
         std::shared_ptr<settings_manager::ISettingsDeleter> deleter;
         m_manager->GetSettingsDeleter(deleter);
-        deleter->DeleteSetting(marker);
-        std::vector<std::string> lines;
-        while (auto line = m_server->ReadLine(std::chrono::seconds(10))) {
-            if (line->rfind("Delete ", 0) == 0) {
-                break;
-            }
-            lines.push_back(*line);
+        deleter->DeleteSetting(At("marker"));
+        std::vector<std::string> requests = m_server->Requests();
+        for (int i = 0; i < 100 && std::count(requests.begin(), requests.end(), "Delete") <= m_transcripts; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            requests = m_server->Requests();
         }
-        m_manager->GetSettingsSetter(m_setter);
+        std::vector<std::string> lines;
+        int deletes = 0;
+        for (const std::string& request : requests) {
+            if (request == "Delete") {
+                ++deletes;
+            } else if (deletes == m_transcripts) {
+                lines.push_back(request);
+            }
+        }
+        ++m_transcripts;
         return lines;
     }
 
     hos::platform::testing::ScopedRuntimeDirectory m_directory;
-    std::unique_ptr<PeerProcess> m_server;
+    std::unique_ptr<hl_settingsd::testing::SettingsdProcess> m_server;
+    int m_transcripts = 0;
     std::shared_ptr<settings_manager::ISettingsManager> m_manager;
     std::shared_ptr<settings_manager::ISettingsSetter> m_setter;
     std::shared_ptr<settings_manager::ISettingsGetter> m_getter;
 };
 
 TEST_F(ProxyAcrossProcesses, WritesGoOutInChunksOfEightAndReadBackWhole) {
-    ASSERT_NO_FATAL_FAILURE(Start({"--read-chunk", "5"}));
+    ASSERT_NO_FATAL_FAILURE(Start());
     const struct {
         std::size_t nodes;
         std::vector<std::string> requests;
@@ -99,12 +113,12 @@ TEST_F(ProxyAcrossProcesses, WritesGoOutInChunksOfEightAndReadBackWhole) {
         EXPECT_EQ(m_setter->SetSetting(path, tree), 0);
         EXPECT_EQ(Transcript(), c.requests);
 
-        // The service answers five nodes at a time: ReadNext until its last flag.
+        // The service answers eight nodes at a time: ReadNext until its last flag.
         Setting read;
         EXPECT_EQ(m_getter->GetSetting(path, read), 0);
         EXPECT_TRUE(read == tree);
         std::vector<std::string> reads{"Read"};
-        for (std::size_t sent = 5; sent < c.nodes; sent += 5) {
+        for (std::size_t sent = 8; sent < c.nodes; sent += 8) {
             reads.push_back("ReadNext");
         }
         EXPECT_EQ(Transcript(), reads);
@@ -141,7 +155,7 @@ TEST_F(ProxyAcrossProcesses, WhatDoesNotFitAnArenaFailsBeforeOrWithACancel) {
 }
 
 TEST_F(ProxyAcrossProcesses, AServiceErrorInWriteNextGivesExactlyOneCancelAndItsCode) {
-    ASSERT_NO_FATAL_FAILURE(Start({"--fail-writenext"}));
+    ASSERT_NO_FATAL_FAILURE(Start("writenext-refused"));
     hos::logger::LogCaptureForTesting log;
     EXPECT_EQ(m_setter->SetSetting(At("t17"), Tree(17)), kServiceRefused);
     EXPECT_EQ(Transcript(), (std::vector<std::string>{"Write 8", "WriteNext 8 last=0", "Cancel"}));
@@ -149,7 +163,7 @@ TEST_F(ProxyAcrossProcesses, AServiceErrorInWriteNextGivesExactlyOneCancelAndIts
 }
 
 TEST_F(ProxyAcrossProcesses, AServiceThatDiesMidExchangeGivesAnErrorNotAHang) {
-    ASSERT_NO_FATAL_FAILURE(Start({"--die-on-writenext"}));
+    ASSERT_NO_FATAL_FAILURE(Start("writenext-exit"));
     hos::logger::LogCaptureForTesting log;
     EXPECT_EQ(m_setter->SetSetting(At("t9"), Tree(9)), kCallFailed);
     EXPECT_TRUE(log.Contains(": WriteNext call error: nk = "));
