@@ -37,7 +37,13 @@ exec "${session[@]}" -- bash -c '
   answer=$(mktemp)
   "$BIN/hl-ask" --wait-for-service 30000 > "$answer" &
   asker=$!
-  window=$(timeout 30 xdotool search --sync --onlyvisible --name "^AccessArbiter$" | head -1) || true
+  window=""
+  # A search fails as a whole when a window goes away under it (BadWindow): search again.
+  for _ in $(seq 300); do
+    window=$(xdotool search --onlyvisible --name "^AccessArbiter$" 2>/dev/null | head -1) || true
+    [ -n "$window" ] && break
+    sleep 0.1
+  done
   [ -n "$window" ] || { echo "run: the dialog did not appear" >&2; kill "$asker"; exit 125; }
   sleep 0.5  # let the first frame be drawn
   import -window root "$HL_SCREENSHOT"

@@ -1,12 +1,12 @@
-# The ApplicationWatchdog server process, and the benchmark that talks to it across processes, starting
-# it with the platform's test support library (runtime directory and peer process).
+# The ApplicationWatchdog server process of the ping benchmark, which talks to it across processes
+# and starts it with the platform's test support library (runtime directory and peer process).
 # The serving loop every test peer shares.
 hl_add_library(hl_ipc_runtime_test_server
   SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/test_server.cpp"
   PUBLIC_DEPS hl_interfaces hl_ipc_runtime hl_platform
   INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/tests")
 hl_add_executable(hl_ipc_runtime_watchdog_server
-  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/peer/watchdog_server.cpp"
+  SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/bench/watchdog_server.cpp"
   DEPS hl_ipc_runtime_test_server)
 
 hl_add_benchmark(hl_ipc_runtime_ping_benchmark

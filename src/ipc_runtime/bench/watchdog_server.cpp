@@ -1,5 +1,4 @@
-// A server of hl.app_manager.ApplicationWatchdog in a process of its own, for the cross-process
-// tests and the benchmark.
+// A server of hl.app_manager.ApplicationWatchdog in a process of its own, for the ping benchmark.
 //
 //   hl_ipc_runtime_watchdog_server <server name>
 //
