@@ -8,10 +8,6 @@ set(_hl_settingsd_test_support
   "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/settingsd_process.cpp"
   "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/raw_ism.cpp")
 
-hl_add_executable(hl_settingsd_half_writer
-  SOURCES tests/half_writer.cpp "${CMAKE_CURRENT_SOURCE_DIR}/tests/support/raw_ism.cpp"
-  DEPS hl_settings_manager)
-target_include_directories(hl_settingsd_half_writer PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
 hl_add_executable(hl_settingsd_test_subscriber SOURCES tests/subscriber.cpp DEPS hl_settings_manager)
 
 hl_add_test(hl_settingsd_tests
@@ -31,8 +27,7 @@ foreach(_target hl_settingsd_tests hl_settingsd_subscription_tests)
   if(TARGET ${_target})
     target_include_directories(${_target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
     target_compile_definitions(${_target} PRIVATE HL_SETTINGSD="$<TARGET_FILE:hl-settingsd>"
-      HL_SETTINGSD_HALF_WRITER="$<TARGET_FILE:hl_settingsd_half_writer>"
       HL_SETTINGSD_SUBSCRIBER="$<TARGET_FILE:hl_settingsd_test_subscriber>")
-    add_dependencies(${_target} hl-settingsd hl_settingsd_half_writer hl_settingsd_test_subscriber)
+    add_dependencies(${_target} hl-settingsd hl_settingsd_test_subscriber)
   endif()
 endforeach()
