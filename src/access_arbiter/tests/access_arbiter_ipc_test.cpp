@@ -11,12 +11,11 @@
 #include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
 
+#include "support/scoped_runtime_directory.h"
+
 #include <gtest/gtest.h>
 
-#include <stdlib.h>
-
 #include <atomic>
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -69,18 +68,7 @@ auto ConnectToDecisionService() {
 // by other tests at the same time don't hold the name.
 class DecisionServiceTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/hl-decision-service-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_runtimeDir = pattern;
-        setenv("HL_RUNTIME_DIR", m_runtimeDir.c_str(), 1);
-    }
-    void TearDown() override {
-        if (!m_runtimeDir.empty()) {
-            std::filesystem::remove_all(m_runtimeDir);
-        }
-    }
-    std::string m_runtimeDir;
+    hos::platform::testing::ScopedRuntimeDirectory m_runtime;
 };
 
 TEST_F(DecisionServiceTest, AThrowingImplementationAnswersAServerFailureAndTheNextCallerIsServed) {
