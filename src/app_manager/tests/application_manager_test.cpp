@@ -150,6 +150,12 @@ TEST_F(ApplicationManagerClient, FailedPingOrGetCommandEndsTheProcess) {
               }),
               SIGABRT);
     EXPECT_EQ(SignalOfChild([](auto& manager) { manager.GetApplicationWatchdog()->Ping("fine"); }), 0);
+    // A manager that has died fails the next Ping in the transport: the process ends the same way.
+    EXPECT_EQ(SignalOfChild([this](auto& manager) {
+                  m_manager->Kill();
+                  manager.GetApplicationWatchdog()->Ping("fine");
+              }),
+              SIGABRT);
 }
 
 TEST(ApplicationManagerParts, ConstructorsCheckTheirArguments) {
