@@ -30,8 +30,8 @@ function(hl_add_library name)
   hl_apply_warnings(${name})
 endfunction()
 
-# A PRODUCT executable is one a person runs: it is built in <build>/bin, beside the others, as they
-# are installed, so that each finds the others beside itself in both places.
+# A PRODUCT executable is one a person runs: it is built in <build>/bin, beside the others, and
+# installed in <prefix>/bin, so that each finds the others beside itself in both places.
 function(hl_add_executable name)
   cmake_parse_arguments(ARG "PRODUCT" "" "SOURCES;DEPS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
@@ -40,6 +40,7 @@ function(hl_add_executable name)
   hl_apply_warnings(${name})
   if(ARG_PRODUCT)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+    install(TARGETS ${name} RUNTIME DESTINATION bin)
   endif()
 endfunction()
 
