@@ -54,14 +54,20 @@ ComponentTree Tree(AccessArbiter* implementation) {
 
 class ServingHostTest : public testing::Test {
 protected:
-    // The serving thread; made after the host, so that it ends before the host does.
-    std::jthread Serve(ServingHost& host) {
-        return std::jthread([this, &host](std::stop_token stop) {
+    // Serves the deferring arbiter on a thread of its own until the test ends.
+    void Serve() {
+        m_host = std::make_unique<ServingHost>(Tree(&m_arbiter), kServer, hosipc::server::ServerOptions{},
+                                               m_deferred);
+        m_server = std::jthread([this](std::stop_token stop) {
             while (!stop.stop_requested()) {
-                const auto report = host.ServeOne(20);
+                const auto report = m_host->ServeOne(20);
                 gone += static_cast<int>(report.gone.size());
             }
         });
+    }
+    void TearDown() override {
+        m_server = {};  // stops and joins before the host goes
+        m_host.reset();
     }
     // GetUserDecision through the generated proxy, with `timeoutMs` for the answer.
     std::future<int> Ask(unsigned int timeoutMs) {
@@ -86,51 +92,46 @@ protected:
     }
 
     hos::platform::testing::ScopedRuntimeDirectory m_runtime;
+    std::shared_ptr<DeferredReplies> m_deferred = std::make_shared<DeferredReplies>();
+    DeferringArbiter m_arbiter{m_deferred};
+    std::unique_ptr<ServingHost> m_host;
+    std::jthread m_server;
     std::atomic<int> gone{0};
 };
 
 TEST_F(ServingHostTest, ADeferredRequestIsAnsweredOnlyOnceAnotherThreadWakesIt) {
-    auto deferred = std::make_shared<DeferredReplies>();
-    DeferringArbiter arbiter(deferred);
-    ServingHost host(Tree(&arbiter), kServer, {}, deferred);
-    const auto server = Serve(host);
+    Serve();
 
     auto answer = Ask(NK_TIMEOUT_INFINITE);
     EXPECT_EQ(answer.wait_for(500ms), std::future_status::timeout) << "a deferred request was answered";
-    EXPECT_EQ(arbiter.calls, 1);
-    deferred->Wake(kKey);
+    EXPECT_EQ(m_arbiter.calls, 1);
+    m_deferred->Wake(kKey);
     ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
     EXPECT_EQ(answer.get(), 1);
-    EXPECT_EQ(arbiter.calls, 2) << "the woken request is served again, once";
+    EXPECT_EQ(m_arbiter.calls, 2) << "the woken request is served again, once";
 }
 
 TEST_F(ServingHostTest, AForgottenRequestIsNeverAnsweredAndAWakeAfterItFindsNothing) {
-    auto deferred = std::make_shared<DeferredReplies>();
-    DeferringArbiter arbiter(deferred);
-    ServingHost host(Tree(&arbiter), kServer, {}, deferred);
-    const auto server = Serve(host);
+    Serve();
 
     auto answer = Ask(1500);
     std::this_thread::sleep_for(300ms);
-    deferred->Forget(kKey);
+    m_deferred->Forget(kKey);
     std::this_thread::sleep_for(100ms);
-    deferred->Wake(kKey);
+    m_deferred->Wake(kKey);
     ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
     EXPECT_EQ(answer.get(), -1) << "the client's own timeout ends the call";
-    EXPECT_EQ(arbiter.calls, 1);
+    EXPECT_EQ(m_arbiter.calls, 1);
 }
 
 TEST_F(ServingHostTest, AKeptRequestWhoseClientHasGoneIsReportedWhenWoken) {
-    auto deferred = std::make_shared<DeferredReplies>();
-    DeferringArbiter arbiter(deferred);
-    ServingHost host(Tree(&arbiter), kServer, {}, deferred);
-    const auto server = Serve(host);
+    Serve();
 
     // The client gives up and closes its connection; the kept request stays.
     auto answer = Ask(300);
     ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
     EXPECT_EQ(answer.get(), -1);
-    deferred->Wake(kKey);
+    m_deferred->Wake(kKey);
     const auto deadline = std::chrono::steady_clock::now() + 5s;
     while (gone == 0 && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(20ms);
@@ -139,9 +140,8 @@ TEST_F(ServingHostTest, AKeptRequestWhoseClientHasGoneIsReportedWhenWoken) {
 }
 
 TEST_F(ServingHostTest, ASecondServerOfANameAlreadyServedIsRefused) {
-    DeferringArbiter arbiter(std::make_shared<DeferredReplies>());
-    ServingHost first(Tree(&arbiter), kServer);
-    EXPECT_THROW(ServingHost(Tree(&arbiter), kServer), std::runtime_error);
+    ServingHost first(Tree(&m_arbiter), kServer);
+    EXPECT_THROW(ServingHost(Tree(&m_arbiter), kServer), std::runtime_error);
     EXPECT_THROW(ComponentTree("hl.test.Null").Serve<AccessArbiter>(1, "a", "b", "c", nullptr),
                  std::invalid_argument);
 }
