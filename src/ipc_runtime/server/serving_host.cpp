@@ -51,8 +51,10 @@ ServingHost::~ServingHost() {
 }
 
 void ServingHost::Dispatch(const nk_message* request, nk_arena* requestArena) {
+    // Nothing of the last reply stays behind: its message and the part of the arena it used.
     std::fill(m_response.begin(), m_response.end(), static_cast<unsigned char>(0));
-    std::fill(m_responseArena.begin(), m_responseArena.end(), static_cast<unsigned char>(0));
+    std::fill(m_responseArena.begin(), m_responseArena.begin() + static_cast<std::ptrdiff_t>(m_responseArenaUsed),
+              static_cast<unsigned char>(0));
     auto* response = reinterpret_cast<nk_message*>(m_response.data());
     response->iid = request->iid;
     response->mid = request->mid;
@@ -70,6 +72,7 @@ void ServingHost::Dispatch(const nk_message* request, nk_arena* requestArena) {
     }
     served->stub->DispatchRequest(static_cast<unsigned short>(request->iid), request, requestArena, response,
                                   &m_responseArenaView);
+    m_responseArenaUsed = static_cast<std::size_t>(m_responseArenaView.cursor - m_responseArenaView.start);
 }
 
 ServingHost::Report ServingHost::ServeOne(unsigned int timeoutMs) {
@@ -104,7 +107,13 @@ ServingHost::Report ServingHost::ServeOne(unsigned int timeoutMs) {
 }
 
 void ServingHost::AnswerDeferred(Report& report) {
-    for (const std::uint64_t key : m_deferred->TakeForgotten()) {
+    if (m_kept.empty() && !m_deferred->Changed()) {
+        return;
+    }
+    std::set<std::uint64_t> forgotten;
+    std::set<std::uint64_t> woken;
+    m_deferred->Take(forgotten, woken);
+    for (const std::uint64_t key : forgotten) {
         m_kept.erase(key);
     }
     const auto now = std::chrono::steady_clock::now();
@@ -112,7 +121,7 @@ void ServingHost::AnswerDeferred(Report& report) {
     for (auto it = m_kept.begin(); it != m_kept.end() && m_options.maxHoldMs != NK_TIMEOUT_INFINITE;) {
         it = now - it->second.since > maxHold ? m_kept.erase(it) : std::next(it);
     }
-    for (const std::uint64_t key : m_deferred->TakeWoken()) {
+    for (const std::uint64_t key : woken) {
         const auto found = m_kept.find(key);
         if (found == m_kept.end()) {
             continue;

@@ -8,6 +8,7 @@
 // Thread: HoldCurrent and the Take* calls on the serving thread; Wake and Forget from any thread.
 // Shared by whoever sets the server up, its implementations and the ServingHost.
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -24,6 +25,7 @@ public:
     void Wake(std::uint64_t key) {
         std::lock_guard lock(m_mutex);
         m_woken.insert(key);
+        m_changed = true;
     }
     // Forgets any wake for key and drops the request held under it, unanswered (its client has gone or
     // unregistered).
@@ -31,6 +33,7 @@ public:
         std::lock_guard lock(m_mutex);
         m_woken.erase(key);
         m_forgotten.insert(key);
+        m_changed = true;
     }
 
     // For the host: the key the request just served asked to be held under, once.
@@ -39,24 +42,21 @@ public:
         m_holdCurrent.reset();
         return key;
     }
-    // For the host: the keys woken since the last call.
-    std::set<std::uint64_t> TakeWoken() {
+    // For the host: whether anything was woken or forgotten since the last Take of both; a turn
+    // of the serving loop with nothing to do takes no lock.
+    bool Changed() const { return m_changed.load(std::memory_order_acquire); }
+    // For the host: the keys forgotten and the keys woken since the last call.
+    void Take(std::set<std::uint64_t>& forgotten, std::set<std::uint64_t>& woken) {
         std::lock_guard lock(m_mutex);
-        std::set<std::uint64_t> woken;
-        woken.swap(m_woken);
-        return woken;
-    }
-    // For the host: the keys forgotten since the last call.
-    std::set<std::uint64_t> TakeForgotten() {
-        std::lock_guard lock(m_mutex);
-        std::set<std::uint64_t> forgotten;
+        m_changed = false;
         forgotten.swap(m_forgotten);
-        return forgotten;
+        woken.swap(m_woken);
     }
 
 private:
     std::optional<std::uint64_t> m_holdCurrent;
     std::mutex m_mutex;
+    std::atomic<bool> m_changed{false};
     std::set<std::uint64_t> m_woken;
     std::set<std::uint64_t> m_forgotten;
 };

@@ -85,6 +85,7 @@ private:
     std::vector<unsigned char> m_response;
     std::vector<unsigned char> m_responseArena;
     nk_arena m_responseArenaView{};
+    std::size_t m_responseArenaUsed = 0;
     std::map<std::uint64_t, Kept> m_kept;
 };
 
