@@ -91,6 +91,15 @@ protected:
         });
     }
 
+    // Waits until the arbiter has held the first request.
+    bool Held() const {
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        while (m_arbiter.calls == 0 && std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(10ms);
+        }
+        return m_arbiter.calls == 1;
+    }
+
     hos::platform::testing::ScopedRuntimeDirectory m_runtime;
     std::shared_ptr<DeferredReplies> m_deferred = std::make_shared<DeferredReplies>();
     DeferringArbiter m_arbiter{m_deferred};
@@ -103,8 +112,8 @@ TEST_F(ServingHostTest, ADeferredRequestIsAnsweredOnlyOnceAnotherThreadWakesIt) 
     Serve();
 
     auto answer = Ask(NK_TIMEOUT_INFINITE);
+    ASSERT_TRUE(Held());
     EXPECT_EQ(answer.wait_for(500ms), std::future_status::timeout) << "a deferred request was answered";
-    EXPECT_EQ(m_arbiter.calls, 1);
     m_deferred->Wake(kKey);
     ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
     EXPECT_EQ(answer.get(), 1);
@@ -115,7 +124,7 @@ TEST_F(ServingHostTest, AForgottenRequestIsNeverAnsweredAndAWakeAfterItFindsNoth
     Serve();
 
     auto answer = Ask(1500);
-    std::this_thread::sleep_for(300ms);
+    ASSERT_TRUE(Held());
     m_deferred->Forget(kKey);
     std::this_thread::sleep_for(100ms);
     m_deferred->Wake(kKey);
@@ -128,7 +137,8 @@ TEST_F(ServingHostTest, AKeptRequestWhoseClientHasGoneIsReportedWhenWoken) {
     Serve();
 
     // The client gives up and closes its connection; the kept request stays.
-    auto answer = Ask(300);
+    auto answer = Ask(1000);
+    ASSERT_TRUE(Held());
     ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
     EXPECT_EQ(answer.get(), -1);
     m_deferred->Wake(kKey);
