@@ -77,7 +77,6 @@ public:
     // exited with status 0, as a normal stop does.
     bool Stop();
 
-    const SessionSetup& Setup() const { return m_setup; }
     const std::string& Directory() const { return m_setup.directory; }
     std::string RuntimeDirectory() const { return m_setup.directory + "/rt"; }
     std::string LogPath() const { return m_setup.directory + "/session.log"; }
