@@ -29,7 +29,7 @@ PACKAGES=(
   xdotool x11-apps imagemagick
   # the Wayland session test: a real compositor (its X11 backend on Xvfb gives it a seat)
   weston
-  # the Python peer and the JSON checks of the tool tests
+  # the JSON checks of the tool tests
   python3
   # the desktop tests: a real window manager and its tools, a terminal to work in, a screen reader's
   # AT-SPI client on a D-Bus session of the tests' own

@@ -30,6 +30,7 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
   # client on a D-Bus session of the test's own, and a run of many requests (HL_SOAK_REQUESTS).
   hl_add_test(hl_access_arbiter_desktop_e2e_tests
     SOURCES "${_aa_e2e}/desktop_e2e_test.cpp" "${_aa_e2e}/support/hosted_session.cpp"
+    DEPS hl_test_support
     LABELS e2e
     TIMEOUT 300)
   if(TARGET hl_access_arbiter_desktop_e2e_tests)

@@ -4,6 +4,7 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
    AND EXISTS "${CMAKE_SOURCE_DIR}/tools/hosted-session/CMakeLists.txt")
   hl_add_test(hl_access_arbiter_wayland_tests
     SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/tests/wayland/weston_session_e2e_test.cpp"
+    DEPS hl_test_support
     LABELS e2e
     TIMEOUT 300)
   if(TARGET hl_access_arbiter_wayland_tests)

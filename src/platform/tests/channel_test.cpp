@@ -1,6 +1,6 @@
 // Connect and call between this process and a peer server process: names, mismatched answers,
-// timeouts and a peer that dies. Plain echo calls and pipelining are the Python peer's part, a server
-// failure hl-ask's process test.
+// timeouts and a peer that dies. Requests sent without waiting are malformed_frame_test's part, a
+// server failure hl-ask's process test.
 #include <gtest/gtest.h>
 
 #include <thread>

@@ -1,5 +1,6 @@
-// Malformed frames sent from a raw socket to a peer server, one case per file of tests/corpus: each
-// is refused with its code (or ends only that client), and the server goes on serving.
+// Frames from a raw socket below the platform, built from the wire layout alone. Malformed ones, one
+// case per file of tests/corpus, are each refused with their code (or end only that client), and the
+// server goes on serving; well-formed requests sent without waiting are each answered.
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -7,6 +8,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 #include <platform/platform.h>
@@ -99,6 +101,32 @@ INSTANTIATE_TEST_SUITE_P(Corpus, CorpusFrameTest, ::testing::ValuesIn(LoadCorpus
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
                          });
+
+// A client that sends its requests without waiting for answers gets each answer once, with the
+// sequence and the fields of its own request.
+TEST(PipelinedRequestsTest, EachRequestSentWithoutWaitingGetsItsOwnAnswer) {
+    testing::ScopedRuntimeDirectory directory;
+    const auto peer = testing::PeerProcess::Start({HL_PLATFORM_TEST_PEER, "serve", "pipelined-peer"});
+    ASSERT_NE(peer, nullptr);
+    testing::RawSocket raw(directory.ServerSocket("pipelined-peer"));
+    const std::string name = "echo";
+    ASSERT_TRUE(raw.Send(testing::RawFrame(testing::kRawResolve, 0, 0, 1, {}, {name.begin(), name.end()})));
+    const auto resolved = raw.Receive(10s);
+    ASSERT_TRUE(resolved.has_value());
+    ASSERT_EQ(testing::FrameField<uint16_t>(*resolved, 8), testing::kRawResolved);
+    const auto riid = static_cast<uint16_t>(testing::FrameField<uint32_t>(*resolved, 24));
+    for (uint32_t sequence = 2; sequence <= 4; ++sequence) {
+        ASSERT_TRUE(raw.Send(testing::RawFrame(testing::kRawRequest, riid, 0, sequence, testing::U32Bytes(sequence * 7))));
+    }
+    std::map<uint32_t, uint32_t> answered;
+    for (int i = 0; i < 3; ++i) {
+        const auto answer = raw.Receive(10s);
+        ASSERT_TRUE(answer.has_value());
+        EXPECT_EQ(testing::FrameField<uint16_t>(*answer, 8), testing::kRawResponse);
+        answered[testing::FrameField<uint32_t>(*answer, 16)] = testing::FrameField<uint32_t>(*answer, 24);
+    }
+    EXPECT_EQ(answered, (std::map<uint32_t, uint32_t>{{2, 14}, {3, 21}, {4, 28}}));
+}
 
 }  // namespace
 }  // namespace hos::platform

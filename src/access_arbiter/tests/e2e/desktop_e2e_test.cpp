@@ -3,6 +3,7 @@
 // may start or restart around a request; the keyboard; a screen reader's AT-SPI client on a D-Bus
 // session of the test's own; and many requests in a row to the one resident program.
 #include "support/hosted_session.h"
+#include "support/wait_until.h"
 
 #include <gtest/gtest.h>
 
@@ -19,6 +20,7 @@
 namespace access_arbiter::e2e {
 namespace {
 
+using hos::platform::testing::WaitUntil;
 using namespace std::chrono_literals;
 
 std::string Trimmed(std::string text) {
@@ -56,17 +58,6 @@ std::string DesktopEntryWindowClass() {
         }
     }
     return {};
-}
-
-bool WaitUntil(const std::function<bool()>& condition, std::chrono::seconds timeout) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(50ms);
-    }
-    return true;
 }
 
 class WindowManager : public testing::Test {

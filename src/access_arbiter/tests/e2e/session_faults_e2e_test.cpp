@@ -11,7 +11,6 @@
 #include <signal.h>
 
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <thread>
@@ -21,33 +20,12 @@ namespace access_arbiter::e2e {
 namespace {
 
 using namespace std::chrono_literals;
-using hos::platform::testing::RawSocket;
+using namespace hos::platform::testing;  // RawSocket, RawFrame, FrameField and the frame kinds
 
-constexpr std::uint16_t kRequest = 1;
-constexpr std::uint16_t kResponse = 2;
-constexpr std::uint16_t kRefused = 5;
-
-// A Request frame of `size` bytes (header and fields, no arena) for interface `iid`, method `mid`.
+// A Request frame of `size` bytes (header and zero fields, no arena) for interface `iid`, method `mid`.
 std::vector<unsigned char> RequestFrame(std::uint16_t iid, std::uint16_t mid, std::uint32_t size,
                                         std::uint32_t sequence) {
-    std::vector<unsigned char> frame(size, 0);
-    const std::uint16_t version = 1;
-    std::memcpy(&frame[0], &iid, 2);
-    std::memcpy(&frame[2], &mid, 2);
-    std::memcpy(&frame[4], &size, 4);
-    std::memcpy(&frame[8], &kRequest, 2);
-    std::memcpy(&frame[10], &version, 2);
-    std::memcpy(&frame[16], &sequence, 4);
-    return frame;
-}
-
-template <typename T>
-T At(const std::vector<unsigned char>& frame, std::size_t offset) {
-    T value{};
-    if (frame.size() >= offset + sizeof(T)) {
-        std::memcpy(&value, &frame[offset], sizeof(T));
-    }
-    return value;
+    return RawFrame(kRawRequest, iid, mid, sequence, std::vector<unsigned char>(size - 24));
 }
 
 class SessionFaults : public testing::Test {
@@ -98,8 +76,8 @@ TEST_F(SessionFaults,
         ASSERT_TRUE(client.Send(c.frame));
         const auto answer = client.Receive(10s);
         ASSERT_TRUE(answer.has_value());
-        EXPECT_EQ(At<std::uint16_t>(*answer, 8), kRefused);
-        EXPECT_EQ(At<std::uint32_t>(*answer, 20), c.refusal);
+        EXPECT_EQ(FrameField<std::uint16_t>(*answer, 8), kRawRefused);
+        EXPECT_EQ(FrameField<std::uint32_t>(*answer, 20), c.refusal);
         EXPECT_TRUE(m_session.WaitForLog(c.logLine, 10s));
         ExpectNoDialog();
     }
@@ -114,11 +92,11 @@ TEST_F(SessionFaults,
         ASSERT_TRUE(client.Send(RequestFrame(iid, iid == 1 ? 7 : 0, 24, 10 + iid)));
         const auto answer = client.Receive(10s);
         ASSERT_TRUE(answer.has_value());
-        EXPECT_EQ(At<std::uint16_t>(*answer, 8), kResponse);
-        EXPECT_EQ(At<std::uint16_t>(*answer, 0), 1);
-        EXPECT_EQ(At<std::uint16_t>(*answer, 2), 0);
-        EXPECT_EQ(At<std::uint32_t>(*answer, 16), 10U + iid);
-        EXPECT_EQ(At<std::uint8_t>(*answer, 24), 1);
+        EXPECT_EQ(FrameField<std::uint16_t>(*answer, 8), kRawResponse);
+        EXPECT_EQ(FrameField<std::uint16_t>(*answer, 0), 1);
+        EXPECT_EQ(FrameField<std::uint16_t>(*answer, 2), 0);
+        EXPECT_EQ(FrameField<std::uint32_t>(*answer, 16), 10U + iid);
+        EXPECT_EQ(FrameField<std::uint8_t>(*answer, 24), 1);
         ExpectNoDialog();
     }
     // Nothing is received any more: a caller waits until it gives up, and nothing is shown. The

@@ -7,6 +7,8 @@
 #include <hosted_session/session.h>
 #include <hosted_session/x_display.h>
 
+#include "support/wait_until.h"
+
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
@@ -45,17 +47,6 @@ std::string Read(const std::string& file) {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-// Polls `ready` every 50 ms for up to `limit`.
-bool WaitFor(const std::function<bool()>& ready, std::chrono::seconds limit) {
-    for (const auto end = std::chrono::steady_clock::now() + limit; std::chrono::steady_clock::now() < end;) {
-        if (ready()) {
-            return true;
-        }
-        std::this_thread::sleep_for(50ms);
-    }
-    return ready();
-}
-
 class WestonSessionTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -80,7 +71,7 @@ protected:
                                      std::string("--socket=") + kSocket, "--no-config", "--use-pixman",
                                      "--width=640", "--height=480", "--log=" + dir + "/weston.log"},
             dir + "/weston.out");
-        ASSERT_TRUE(WaitFor([&] { return fs::exists(dir + "/" + kSocket); }, 30s)) << Read(dir + "/weston.log");
+        ASSERT_TRUE(hos::platform::testing::WaitUntil([&] { return fs::exists(dir + "/" + kSocket); }, 30s)) << Read(dir + "/weston.log");
 
         // The session as a person's Wayland desktop has it: no X display for the program, whose
         // protocol log (WAYLAND_DEBUG) is read below.
@@ -147,7 +138,7 @@ TEST_F(WestonSessionTest,
         SCOPED_TRACE(click.answer);
         const auto asker = m_session->Ask({"--wait-for-service", "60000", "--timeout", "120000"});
         // The compositor gives the keyboard focus to a mapped surface only: the dialog is up.
-        ASSERT_TRUE(WaitFor([&] { return Count(focus) > shown; }, 120s)) << "the dialog was not mapped\n"
+        ASSERT_TRUE(hos::platform::testing::WaitUntil([&] { return Count(focus) > shown; }, 120s)) << "the dialog was not mapped\n"
                                                                          << Log();
         ++shown;
         std::this_thread::sleep_for(500ms);  // the first frame

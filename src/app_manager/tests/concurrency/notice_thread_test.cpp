@@ -35,14 +35,7 @@ protected:
     }
 
     bool CountReaches(const std::atomic<int>& count, int value) {
-        const auto until = std::chrono::steady_clock::now() + 5s;
-        while (count.load() < value) {
-            if (std::chrono::steady_clock::now() > until) {
-                return false;
-            }
-            std::this_thread::sleep_for(2ms);
-        }
-        return true;
+        return hos::platform::testing::WaitUntil([&] { return count.load() >= value; }, 5s, 2ms);
     }
 
     std::shared_ptr<app_manager::IApplicationManager> m_client;

@@ -3,6 +3,7 @@
 
 #include "support/manager_process.h"
 #include "support/scoped_runtime_directory.h"
+#include "support/wait_until.h"
 
 #include <diagnostics/log_capture_for_testing.h>
 
@@ -37,14 +38,7 @@ protected:
 
     // Waits up to 5 s for a log line containing text.
     bool LogEventually(const std::string& text) {
-        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-        while (!m_log.Contains(text)) {
-            if (std::chrono::steady_clock::now() > until) {
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return true;
+        return hos::platform::testing::WaitUntil([&] { return m_log.Contains(text); }, std::chrono::seconds(5));
     }
 
     hos::platform::testing::ScopedRuntimeDirectory m_directory;

@@ -24,10 +24,13 @@
 #include <platform/platform.h>
 
 #include "peer/test_peer_protocol.h"
+#include "support/raw_socket.h"
+#include "support/test_call.h"
 
 namespace {
 
 using namespace hos::platform::test_peer;
+namespace testing = hos::platform::testing;
 
 unsigned int g_keptEnd = NK_INVALID_HANDLE;
 unsigned int g_server = NK_INVALID_HANDLE;
@@ -148,22 +151,6 @@ sockaddr_un ServerAddress(const char* name) {
     return address;
 }
 
-// A 24-byte frame header; the wire is little-endian, as this machine.
-std::vector<unsigned char> Header(uint16_t iid, uint16_t mid, uint32_t size, uint16_t kind, uint32_t arena,
-                                  uint32_t sequence, int32_t result) {
-    std::vector<unsigned char> frame(NK_MESSAGE_HEADER_SIZE);
-    const uint16_t version = 1;
-    std::memcpy(&frame[0], &iid, 2);
-    std::memcpy(&frame[2], &mid, 2);
-    std::memcpy(&frame[4], &size, 4);
-    std::memcpy(&frame[8], &kind, 2);
-    std::memcpy(&frame[10], &version, 2);
-    std::memcpy(&frame[12], &arena, 4);
-    std::memcpy(&frame[16], &sequence, 4);
-    std::memcpy(&frame[20], &result, 4);
-    return frame;
-}
-
 int RunRefusingServer(const char* name) {
     const char* root = std::getenv("HL_RUNTIME_DIR");
     ::mkdir((std::string(root != nullptr ? root : "/tmp") + "/servers").c_str(), 0700);
@@ -186,12 +173,9 @@ int RunRefusingServer(const char* name) {
             std::memcpy(&sequence, in + 16, 4);
             std::vector<unsigned char> answer;
             if (in[8] == 3) {  // Resolve: riid 1
-                answer = Header(NK_IID_ANY, 0, 28, 4, 0, sequence, 0);
-                const uint32_t riid = 1;
-                answer.insert(answer.end(), reinterpret_cast<const unsigned char*>(&riid),
-                              reinterpret_cast<const unsigned char*>(&riid) + 4);
+                answer = testing::RawFrame(testing::kRawResolved, NK_IID_ANY, 0, sequence, testing::U32Bytes(1));
             } else {
-                answer = Header(0, 0, NK_MESSAGE_HEADER_SIZE, 5, 0, 0, static_cast<int32_t>(NK_EBADMSG));
+                answer = testing::RawFrame(testing::kRawRefused, 0, 0, 0, {}, {}, static_cast<int32_t>(NK_EBADMSG));
             }
             ::send(client, answer.data(), answer.size(), MSG_NOSIGNAL);
         }
@@ -212,8 +196,7 @@ int RunFlood(const char* name) {
     std::fflush(stdout);
     bool announced = false;
     for (uint32_t sequence = 1;; ++sequence) {
-        std::vector<unsigned char> request = Header(kEchoRiid, kEcho, 28, 1, 0, sequence, 0);
-        request.insert(request.end(), 4, 0);
+        const auto request = testing::RawFrame(testing::kRawRequest, kEchoRiid, kEcho, sequence, testing::U32Bytes(0));
         if (::send(fd, request.data(), request.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0) {
             continue;
         }

@@ -58,4 +58,24 @@ std::optional<std::vector<unsigned char>> RawSocket::Receive(std::chrono::millis
     return buffer;
 }
 
+std::vector<unsigned char> RawFrame(uint16_t kind, uint16_t iid, uint16_t mid, uint32_t sequence,
+                                    const std::vector<unsigned char>& body,
+                                    const std::vector<unsigned char>& arena, int32_t result, uint32_t size) {
+    std::vector<unsigned char> frame(24);
+    const uint32_t sizeWord = size != 0 ? size : static_cast<uint32_t>(24 + body.size());
+    const uint16_t version = 1;
+    const auto arenaSize = static_cast<uint32_t>(arena.size());
+    std::memcpy(&frame[0], &iid, 2);
+    std::memcpy(&frame[2], &mid, 2);
+    std::memcpy(&frame[4], &sizeWord, 4);
+    std::memcpy(&frame[8], &kind, 2);
+    std::memcpy(&frame[10], &version, 2);
+    std::memcpy(&frame[12], &arenaSize, 4);
+    std::memcpy(&frame[16], &sequence, 4);
+    std::memcpy(&frame[20], &result, 4);
+    frame.insert(frame.end(), body.begin(), body.end());
+    frame.insert(frame.end(), arena.begin(), arena.end());
+    return frame;
+}
+
 }  // namespace hos::platform::testing

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,5 +26,25 @@ public:
 private:
     int m_fd = -1;
 };
+
+// Frame kinds as the wire numbers them.
+enum RawKind : uint16_t { kRawRequest = 1, kRawResponse = 2, kRawResolve = 3, kRawResolved = 4, kRawRefused = 5 };
+
+// One packet as the wire carries it: the 24-byte header (little-endian, as this machine), `body`
+// (descriptors and fields) and `arena`. `size` overrides the size word (header and body) when not 0.
+std::vector<unsigned char> RawFrame(uint16_t kind, uint16_t iid, uint16_t mid, uint32_t sequence,
+                                    const std::vector<unsigned char>& body = {},
+                                    const std::vector<unsigned char>& arena = {}, int32_t result = 0,
+                                    uint32_t size = 0);
+
+// The field of type T at `offset` of a packet; zero when the packet is shorter.
+template <typename T>
+T FrameField(const std::vector<unsigned char>& packet, std::size_t offset) {
+    T value{};
+    if (packet.size() >= offset + sizeof(T)) {
+        std::memcpy(&value, &packet[offset], sizeof(T));
+    }
+    return value;
+}
 
 }  // namespace hos::platform::testing
