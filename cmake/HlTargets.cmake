@@ -1,7 +1,7 @@
 # One helper per target kind, so that each folder's CMakeLists stays a few lines.
 #
 #   hl_add_library(NAME SOURCES ... [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [INCLUDE_DIR dir])
-#   hl_add_executable(NAME [PRODUCT] SOURCES ... [DEPS ...])
+#   hl_add_executable(NAME [PRODUCT|PROGRAM|DEVELOPER] SOURCES ... [DEPS ...])
 #   hl_add_test(NAME SOURCES ... [DEPS ...] [LABELS unit|integration|e2e|visual ...] [ENV K=V ...])
 #   hl_add_qml_test(NAME SOURCES ... [DEPS ...] [QML_DIR dir] [LABELS ...])
 #   hl_add_benchmark(NAME SOURCES ... [DEPS ...])
@@ -31,16 +31,25 @@ function(hl_add_library name)
 endfunction()
 
 # A PRODUCT executable is one a person runs: it is built in <build>/bin, beside the others, and
-# installed in <prefix>/bin, so that each finds the others beside itself in both places.
+# installed in <prefix>/bin, so that each finds the others beside itself in both places. A PROGRAM
+# is started by the manager, not by people: <build>/libexec/halcyra and <prefix>/libexec/halcyra,
+# which the tools find as bin/../libexec/halcyra. A DEVELOPER tool (the gallery, the preview) is
+# built in <build>/bin and not installed.
+set(HL_LIBEXEC_SUBDIR "${CMAKE_INSTALL_LIBEXECDIR}/halcyra")
 function(hl_add_executable name)
-  cmake_parse_arguments(ARG "PRODUCT" "" "SOURCES;DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "PRODUCT;PROGRAM;DEVELOPER" "" "SOURCES;DEPS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${ARG_DEPS})
   hl_apply_warnings(${name})
-  if(ARG_PRODUCT)
+  if(ARG_PRODUCT OR ARG_DEVELOPER)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
-    install(TARGETS ${name} RUNTIME DESTINATION bin)
+  endif()
+  if(ARG_PRODUCT)
+    install(TARGETS ${name} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  elseif(ARG_PROGRAM)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/libexec/halcyra")
+    install(TARGETS ${name} RUNTIME DESTINATION "${HL_LIBEXEC_SUBDIR}")
   endif()
 endfunction()
 

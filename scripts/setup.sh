@@ -36,6 +36,8 @@ PACKAGES=(
   openbox wmctrl x11-utils xterm dbus at-spi2-core python3-pyatspi
   # the dialog benchmark: X events and XTEST input (libxcb), the one-shot dialog it is measured against
   libxcb1-dev libxcb-xtest0-dev zenity
+  # the package: man pages from --help, the .deb's dependencies and its check, the units' check
+  help2man dpkg-dev fakeroot file lintian systemd
 )
 
 SUDO=""

@@ -37,7 +37,7 @@ SessionSetup SessionSetup::Beside(const std::string& binDirectory) {
     setup.settingsd = hosted_session::Beside(bin, setup.settingsd);
     setup.settings = hosted_session::Beside(bin, setup.settings);
     setup.ask = hosted_session::Beside(bin, setup.ask);
-    setup.program = hosted_session::Beside(bin, setup.program);
+    setup.program = hosted_session::Beside(bin.parent_path() / HL_LIBEXEC_SUBDIR, setup.program);
     const auto fonts = bin.parent_path() / "share" / "halcyra" / "hosted-session" / "fonts.conf";
     if (std::filesystem::exists(fonts)) {
         setup.fontconfig = fonts.string();

@@ -35,7 +35,7 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
     TIMEOUT 300)
   if(TARGET hl_access_arbiter_desktop_e2e_tests)
     target_compile_definitions(hl_access_arbiter_desktop_e2e_tests PRIVATE
-      HL_DESKTOP_ENTRY="${CMAKE_CURRENT_SOURCE_DIR}/access_arbiter.desktop"
+      HL_DESKTOP_ENTRY="${CMAKE_CURRENT_BINARY_DIR}/access_arbiter.desktop"
       HL_SCREEN_READER="${_aa_e2e}/support/screen_reader.py")
   endif()
   foreach(_aa_target hl_access_arbiter_callers_e2e_tests hl_access_arbiter_session_faults_e2e_tests
@@ -45,7 +45,8 @@ if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp" AND HL_BUILD_TOOLS
       # The session finds the executables and its font configuration in the build tree's bin/, as
       # it finds them installed.
       target_link_libraries(${_aa_target} PRIVATE hl_hosted_session)
-      target_compile_definitions(${_aa_target} PRIVATE HL_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
+      target_compile_definitions(${_aa_target} PRIVATE HL_BIN_DIR="${CMAKE_BINARY_DIR}/bin"
+                                                      HL_PROGRAM="$<TARGET_FILE:access_arbiter>")
       add_dependencies(${_aa_target} access_arbiter hl-appmgr hl-ask hl-settingsd hl-settings)
     endif()
   endforeach()

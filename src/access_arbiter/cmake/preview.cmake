@@ -1,7 +1,7 @@
 # access_arbiter_preview: renders the dialog for one locale into a PNG (see its --help). The
 # visual tests compare the same rendering with the reference images in tests/visual/reference.
 set(_aa_preview_dir "${CMAKE_CURRENT_SOURCE_DIR}/tools/preview")
-hl_add_executable(access_arbiter_preview PRODUCT
+hl_add_executable(access_arbiter_preview DEVELOPER
   SOURCES "${_aa_preview_dir}/access_arbiter_preview.cpp" "${_aa_preview_dir}/dialog_snapshot.cpp"
   DEPS hl_access_arbiter)
 

@@ -166,8 +166,8 @@ TEST(ProgramName, TheManagerHearsTheNameItGaveOrTheDefaultForAnEmptyOne) {
         EXPECT_TRUE(session.Stop()) << session.Log();
     }
     HostedSession session;
-    ASSERT_TRUE(session.Start("restart=no\nprogram=/bin/bash\nargument=-c\nargument=exec -a '' " HL_BIN_DIR
-                              "/access_arbiter\n"))
+    ASSERT_TRUE(session.Start("restart=no\nprogram=/bin/bash\nargument=-c\nargument=exec -a '' " HL_PROGRAM
+                              "\n"))
         << session.Log();
     EXPECT_EQ(session.CountInLog("Failed to get an app name"), 1U) << session.Log();
     EXPECT_EQ(session.CountInLog("AccessArbiter[" + std::to_string(session.ProgramPid()) + "]: ReadyToShowUI"),
@@ -178,7 +178,7 @@ TEST(ProgramName, TheManagerHearsTheNameItGaveOrTheDefaultForAnEmptyOne) {
 // Without a manager to find, the program ends at once with status 1 and no report to anyone.
 TEST(ProgramName, WithoutAManagerTheProgramExitsOne) {
     HostedSession session;
-    ChildProcess program({HL_BIN_DIR "/access_arbiter"}, session.Directory() + "/alone");
+    ChildProcess program({HL_PROGRAM}, session.Directory() + "/alone");
     EXPECT_EQ(program.Wait(120s), 1) << program.Output();
     EXPECT_NE(program.Output().find("App manager in null"), std::string::npos) << program.Output();
     EXPECT_NE(program.Output().find("Cannot create application manager proxy"), std::string::npos);

@@ -39,8 +39,9 @@ struct SessionSetup {
     // The session's directory; empty for a new private one under $TMPDIR, removed at the end.
     std::string directory;
 
-    // The layout of a build tree's bin/ and of an installation alike: each executable beside
-    // `binDirectory` when it is there, else by name on PATH; the font configuration in
+    // The layout of a build tree's bin/ and of an installation alike: each tool beside
+    // `binDirectory` when it is there, else by name on PATH; the program in
+    // `binDirectory`/../libexec/halcyra (where the manager, not a person, starts it); the font configuration in
     // `binDirectory`/../share/halcyra/hosted-session/fonts.conf when it is there.
     static SessionSetup Beside(const std::string& binDirectory);
     // The directory of the running executable.
