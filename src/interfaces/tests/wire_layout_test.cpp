@@ -16,11 +16,29 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+// Every allocation of this test program is counted, for the idle path that must make none.
+namespace {
+std::atomic<std::size_t> g_allocations{0};
+}  // namespace
+
+void* operator new(std::size_t size) {
+    ++g_allocations;
+    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -257,6 +275,15 @@ TEST(WireLayout, NkISMCbkWaitReadsThePathArenaAndATimeoutIsTheTransportResult) {
         EXPECT_EQ(error.Result(), NK_TRANSPORT_TIMEOUT);
         EXPECT_STREQ(error.what(), "hl_settings_manager_NkISMCbk_Wait transport error");
     }
+    // The callback thread's way: the same time limit is a result, and its idle turn allocates nothing.
+    auto& generated = static_cast<hosipc_detail::idl_traits::Proxy<idl::settings_manager::NkISMCbk>&>(*cbk.proxy);
+    const std::size_t before = g_allocations.load();
+    EXPECT_EQ(generated.WaitOrTransportResult(0xC1D, sid, path, upd, rc, arena), NK_TRANSPORT_TIMEOUT);
+    EXPECT_EQ(g_allocations.load(), before);
+    cbk.result = 0;
+    cbk.answer = Message(0, 48).Put<u64>(24, 43);
+    EXPECT_EQ(generated.WaitOrTransportResult(0xC1D, sid, path, upd, rc, arena), 0);
+    EXPECT_EQ(sid, 43u);
 }
 
 TEST(WireLayout, ManagerInterfacesSendTheNameInTheArenaAndReadRcAtOffset24) {

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <exception>
 #include <string_view>
+#include <type_traits>
 
 namespace settings_manager::ipc::impl {
 
@@ -22,11 +23,16 @@ inline constexpr std::int32_t kCallFailed = static_cast<std::int32_t>(0x80000059
 inline constexpr std::int32_t kArenaFailed = static_cast<std::int32_t>(0x80000062u);
 inline constexpr std::int32_t kWrongData = static_cast<std::int32_t>(0x80000074u);
 
+// A call that returns an int returns the transport's result itself (0 when it went through).
 template <typename Call>
 int CallNk(Call&& call) {
     try {
-        call();
-        return 0;
+        if constexpr (std::is_same_v<std::invoke_result_t<Call>, int>) {
+            return call();
+        } else {
+            call();
+            return 0;
+        }
     } catch (const hosipc_detail::idl_traits::TransportError& error) {
         return error.Result();
     } catch (const std::exception&) {

@@ -131,7 +131,8 @@ void SettingsManagerCallback::Context::StartThread() {
 void SettingsManagerCallback::Context::OnSettingsUpdate(Context* context, hos::rtl::Semaphore* started) {
     trace::Tracer tracer("[SM_P] ", "OnSettingsUpdate", LogLevel::Info, trace::Tracer::NoPostfix, "@{:16X}",
                          context->cid);
-    // On the thread's stack: the idle path allocates nothing.
+    // On the thread's stack, and a time limit that runs out is a result, not an exception: the idle
+    // path allocates nothing.
     std::array<unsigned char, hosipc::idl::stdcpp_v1::hl::settings_manager::NkISMCbk::kWaitArena> bytes{};
     started->Release();
     while (context->useCount.load() != 0) {
@@ -145,7 +146,7 @@ void SettingsManagerCallback::Context::OnSettingsUpdate(Context* context, hos::r
         int nk = 0;
         do {
             arena = nk_arena{bytes.data(), bytes.data(), bytes.data() + bytes.size()};
-            nk = CallNk([&] { context->cbk->Wait(context->cid, sid, path, upd, rc, arena); });
+            nk = CallNk([&] { return context->cbk->WaitOrTransportResult(context->cid, sid, path, upd, rc, arena); });
         } while (nk == NK_TRANSPORT_TIMEOUT && context->useCount.load() != 0);
         if (context->useCount.load() == 0) {
             break;

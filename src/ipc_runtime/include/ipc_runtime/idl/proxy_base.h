@@ -82,13 +82,25 @@ protected:
     template <typename M, typename... Args>
     void Invoke(Args&&... args) {
         auto arguments = std::forward_as_tuple(std::forward<Args>(args)...);
-        InvokeFields<M>(typename M::Request{}, typename M::Response{}, arguments);
+        if (const int result = InvokeFields<M>(typename M::Request{}, typename M::Response{}, arguments);
+            result != 0) {
+            throw TransportError(FailureText<M>(" transport error"), result);
+        }
+    }
+
+    // Invoke for a caller that waits in a loop: a failure of the transport (a time limit that ran out,
+    // a closed channel) is returned as its result, 0 when the call went through, so the idle path
+    // makes no exception and no text. Server failures and inputs that don't fit still throw.
+    template <typename M, typename... Args>
+    int InvokeOrTransportResult(Args&&... args) {
+        auto arguments = std::forward_as_tuple(std::forward<Args>(args)...);
+        return InvokeFields<M>(typename M::Request{}, typename M::Response{}, arguments);
     }
 
 private:
     template <typename M, std::uint32_t RS, std::uint32_t RA, typename... In, std::uint32_t PS,
               typename... Out, typename Arguments>
-    void InvokeFields(Request<RS, RA, In...>, Response<PS, Out...>, Arguments& arguments) {
+    int InvokeFields(Request<RS, RA, In...>, Response<PS, Out...>, Arguments& arguments) {
         static_assert(std::tuple_size_v<Arguments> == sizeof...(In) + sizeof...(Out),
                       "a proxy method must pass every input and output");
         MessageBuffer<RS> request;
@@ -131,13 +143,14 @@ private:
         const int result =
             m_transport.ops->call(&m_transport, request.Get(), requestArena, response.Get(), responseArena);
         if (result != 0) {
-            throw TransportError(FailureText<M>(" transport error"), result);
+            return result;
         }
         if (MessageHeader::IsServerFailure(response.Get())) {
             throw std::runtime_error(FailureText<M>(" server error"));
         }
         LoadOutputs<sizeof...(In), Out...>(response.Get(), responseArena, arguments,
                                            std::index_sequence_for<Out...>{});
+        return 0;
     }
 
     template <typename... In, typename Arguments, std::size_t... I>

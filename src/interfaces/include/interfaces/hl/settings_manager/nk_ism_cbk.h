@@ -58,6 +58,12 @@ public:
               nk_arena& arena) override {
         Invoke<Description::Wait>(cid, sid, path, upd, rc, arena);
     }
+    // Wait for a loop that waits again after each time limit: the transport's result instead of a
+    // TransportError (0 when an answer came).
+    int WaitOrTransportResult(std::uint64_t cid, std::uint64_t& sid, nk_ptr_t& path, std::uint8_t& upd,
+                              std::int32_t& rc, nk_arena& arena) {
+        return InvokeOrTransportResult<Description::Wait>(cid, sid, path, upd, rc, arena);
+    }
     void Done(std::uint64_t cid, std::uint64_t sid, std::int32_t& rc) override {
         Invoke<Description::Done>(cid, sid, rc);
     }
