@@ -1,4 +1,5 @@
 // hl-appmgr run: the manager itself.
+#include <diagnostics/hos_logger.h>
 #include <diagnostics/log.h>
 
 #include <signal.h>
@@ -28,7 +29,7 @@ namespace {
 
 constexpr const char* kHelp =
     "Usage: hl-appmgr run [--unit FILE]... [--name NAME] [--watchdog-interval MS] [--restart POLICY]\n"
-    "                     [--] [PROGRAM [ARGS...]]\n"
+    "                     [--log-level LEVEL] [--] [PROGRAM [ARGS...]]\n"
     "\n"
     "Serves the application manager (type hl.app_manager.ApplicationManager.applicationManager, server\n"
     "applicationManager_id, services app_manager.applicationController, app_manager.applicationCommands,\n"
@@ -36,12 +37,14 @@ constexpr const char* kHelp =
     "supervises them until SIGTERM or SIGINT, which ends the applications (SIGTERM, then SIGKILL after\n"
     "the unit's stop_timeout_ms, 5 s by default) and the manager.\n"
     "Each application gets its name as argv[0]; calls are matched to it by that name. Every lifecycle\n"
-    "call and every Ping is logged as \"NAME[PID]: CALL\" on standard error.\n"
+    "call is logged as \"NAME[PID]: CALL\" on standard error, each Ping so at debug level.\n"
     "\n"
     "  --unit FILE              an application described by a unit file (see tools/hl-appmgr/README.md)\n"
     "  --name NAME              the name of PROGRAM (default: its basename)\n"
     "  --watchdog-interval MS   PROGRAM's watchdog interval (default 5000)\n"
     "  --restart POLICY         PROGRAM's policy: no, on-failure (default) or always\n"
+    "  --log-level LEVEL        0 trace, 1 debug (each Ping), 2 info (default), 3 warning, 4 error,\n"
+    "                           5 critical, 6 off\n"
     "\n"
     "Under systemd (NOTIFY_SOCKET set) it reports READY=1 once serving and WATCHDOG=1 while alive.\n"
     "\n"
@@ -90,6 +93,7 @@ int RunRun(const std::vector<std::string>& arguments) {
     std::string name;
     std::int64_t interval = 0;
     std::string restart;
+    int logLevel = static_cast<int>(hos::logger::LogLevel::Info);
     std::size_t i = 0;
     for (; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -126,6 +130,13 @@ int RunRun(const std::vector<std::string>& arguments) {
             }
         } else if (argument == "--restart" && hasValue) {
             restart = arguments[++i];
+        } else if (argument == "--log-level" && hasValue) {
+            const std::string& text = arguments[++i];
+            if (text.size() != 1 || text[0] < '0' || text[0] > '6') {
+                std::fprintf(stderr, "hl-appmgr: --log-level takes 0 to 6, not '%s'\n", text.c_str());
+                return 1;
+            }
+            logLevel = text[0] - '0';
         } else if (!argument.empty() && argument[0] == '-') {
             std::fprintf(stderr, "hl-appmgr: unknown or incomplete option '%s'\n\n%s", argument.c_str(),
                          kHelp);
@@ -160,6 +171,8 @@ int RunRun(const std::vector<std::string>& arguments) {
         std::fprintf(stderr, "hl-appmgr: nothing to run: give --unit FILE or PROGRAM\n\n%s", kHelp);
         return 1;
     }
+
+    hos::logger::HOSLogger::RootLogger().SetLevel(static_cast<hos::logger::LogLevel>(logLevel));
 
     struct sigaction action {};
     action.sa_handler = OnStopSignal;

@@ -140,11 +140,11 @@ void Supervisor::Ended(App& app, int status) {
     }
     // While the manager stops, how the application ends is not a fault of its own.
     const std::string_view how = app.stopping ? std::string_view("stopped") : EndKindName(kind);
+    const LogLevel level = app.stopping || kind == EndKind::Clean ? LogLevel::Info : LogLevel::Warning;
     if (WIFSIGNALED(status)) {
-        HL_LOG(LogLevel::Info, "{}[{}]: killed by signal {} ({})", app.unit.name, pid, WTERMSIG(status), how);
+        HL_LOG(level, "{}[{}]: killed by signal {} ({})", app.unit.name, pid, WTERMSIG(status), how);
     } else {
-        HL_LOG(LogLevel::Info, "{}[{}]: exited with status {} ({})", app.unit.name, pid, WEXITSTATUS(status),
-               how);
+        HL_LOG(level, "{}[{}]: exited with status {} ({})", app.unit.name, pid, WEXITSTATUS(status), how);
     }
     if (app.stopping) {
         app.state = "stopped";
@@ -154,15 +154,15 @@ void Supervisor::Ended(App& app, int status) {
     if (decision.restart) {
         app.state = "waiting-restart";
         app.restartAt = Clock::now() + std::chrono::milliseconds(decision.delayMs);
-        HL_LOG(LogLevel::Info, "{}: restarting in {} ms", app.unit.name, decision.delayMs);
+        HL_LOG(LogLevel::Warning, "{}: restarting in {} ms", app.unit.name, decision.delayMs);
     } else if (decision.startLimitHit) {
         app.state = "failed";
         HL_LOG(LogLevel::Error, "{}: start limit of {} starts in {} ms reached; not restarting",
                app.unit.name, app.unit.startLimit, app.unit.startLimitIntervalMs);
     } else {
         app.state = kind == EndKind::Clean ? "exited" : "failed";
-        HL_LOG(LogLevel::Info, "{}: not restarted (restart={})", app.unit.name,
-               RestartPolicyName(app.unit.restart));
+        HL_LOG(kind == EndKind::Clean ? LogLevel::Info : LogLevel::Warning, "{}: not restarted (restart={})",
+               app.unit.name, RestartPolicyName(app.unit.restart));
     }
 }
 
@@ -313,7 +313,7 @@ void Supervisor::OnStateChanged(const std::string& name, std::int64_t state) {
 void Supervisor::OnFinishWithInternalError(const std::string& name, const std::string& error,
                                            const std::string& details) {
     std::lock_guard lock(m_mutex);
-    HL_LOG(LogLevel::Info, "{}[{}]: FinishWithInternalError: {} / {}", name, PidOf(name), error, details);
+    HL_LOG(LogLevel::Warning, "{}[{}]: FinishWithInternalError: {} / {}", name, PidOf(name), error, details);
     if (App* app = Find(name)) {
         app->failedStart = true;
     }
@@ -321,7 +321,7 @@ void Supervisor::OnFinishWithInternalError(const std::string& name, const std::s
 
 void Supervisor::OnPing(const std::string& name) {
     std::lock_guard lock(m_mutex);
-    HL_LOG(LogLevel::Info, "{}[{}]: Ping", name, PidOf(name));
+    HL_LOG(LogLevel::Debug, "{}[{}]: Ping", name, PidOf(name));
     if (App* app = Find(name)) {
         app->lastPingUnixMs = UnixMs();
         app->watchFrom = Clock::now();

@@ -1,6 +1,8 @@
 // Starts and watches the applications of hl-appmgr: one process per unit, the lifecycle calls
-// and Pings they make (logged with name and pid), the watchdog after ReadyToShowUI, restarts with
-// back-off and a start limit, the commands of the drop box and the state file.
+// and Pings they make (logged with name and pid; Pings at debug level), the watchdog after
+// ReadyToShowUI, restarts with back-off and a start limit, the commands of the drop box and the
+// state file. Faults (a crash, a kill by a signal, a hang, a failed start, a restart, the start
+// limit) are logged at warning level or above, normal starts and stops at info.
 //
 // Thread: the lifecycle sink runs on the server thread; Start/Tick/Stop on the main thread. One
 // mutex guards everything. The peer pid of a call is not exposed by the platform, so a call is

@@ -105,8 +105,10 @@ int Session::SettingsTool(const std::vector<std::string>& arguments) {
 void Session::StartManager(const std::string& unitLines) {
     const std::string unit = m_setup.directory + "/" + m_setup.name + ".unit";
     std::ofstream(unit) << "name=" << m_setup.name << "\nprogram=" << m_setup.program << "\n" << unitLines;
-    m_manager = std::make_unique<ChildProcess>(std::vector<std::string>{m_setup.appmgr, "run", "--unit", unit},
-                                               SpawnOptions{LogPath(), -1, true});
+    // At debug level the log holds every Ping, which the session's users count.
+    m_manager = std::make_unique<ChildProcess>(
+        std::vector<std::string>{m_setup.appmgr, "run", "--log-level", "1", "--unit", unit},
+        SpawnOptions{LogPath(), -1, true});
 }
 
 bool Session::Start(const std::string& unitLines, std::chrono::milliseconds timeout) {

@@ -62,9 +62,9 @@ public:
     // hl-settings with `arguments`; its exit status, -1 when it does not end within 60 s.
     int SettingsTool(const std::vector<std::string>& arguments);
 
-    // `hl-appmgr run --unit FILE`: the unit names the program and its name, followed by `unitLines`
-    // ("key=value" lines). Nothing is waited for. Called again once the manager has gone, it starts
-    // another.
+    // `hl-appmgr run --log-level 1 --unit FILE` (debug: each Ping is logged): the unit names the
+    // program and its name, followed by `unitLines` ("key=value" lines). Nothing is waited for.
+    // Called again once the manager has gone, it starts another.
     void StartManager(const std::string& unitLines);
     // The settings service when none runs yet, then the manager; waits up to `timeout` for one more
     // ReadyToShowUI of the program. False when either does not come up, or the program ends for
