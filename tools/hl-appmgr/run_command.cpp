@@ -1,4 +1,5 @@
 // hl-appmgr run: the manager itself.
+#include <diagnostics/default_logger_impl.h>
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/log.h>
 
@@ -181,7 +182,8 @@ int RunRun(const std::vector<std::string>& arguments) {
     sigaction(SIGINT, &action, nullptr);
     signal(SIGPIPE, SIG_IGN);
 
-    auto supervisor = std::make_shared<Supervisor>(std::move(units));
+    auto supervisor = std::make_shared<Supervisor>(
+        std::move(units), ApplicationStreams(hos::logger::StandardErrorIsTheJournal()));
     auto services = std::make_shared<ManagerServices>(supervisor);
     ManagerServer server(services);
     if (!server.Start()) {

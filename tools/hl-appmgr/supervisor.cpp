@@ -6,6 +6,7 @@
 #include <platform/nk_result.h>
 #include <platform/platform.h>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@
 #include <cstring>
 #include <thread>
 
+#include "core/child_environment.h"
 #include "core/command_box.h"
 
 namespace hl_appmgr {
@@ -51,7 +53,7 @@ std::string_view EndKindName(EndKind kind) {
 
 Supervisor::App::App(Unit u) : unit(std::move(u)), restarts(unit), updateHandle(NK_INVALID_HANDLE) {}
 
-Supervisor::Supervisor(std::vector<Unit> units) {
+Supervisor::Supervisor(std::vector<Unit> units, ApplicationStreams streams) : m_streams(std::move(streams)) {
     m_apps.reserve(units.size());
     for (Unit& unit : units) {
         m_apps.emplace_back(std::move(unit));
@@ -96,18 +98,36 @@ void Supervisor::Spawn(App& app) {
         argv.push_back(text.data());
     }
     argv.push_back(nullptr);
+    // Everything the child needs is made here: between fork and exec another thread may hold the
+    // allocator's lock, so the child only moves descriptors, points environ and execs.
+    const ApplicationStream stream = m_streams.Open(app.unit.name);
+    std::vector<std::string> environmentText = ChildEnvironment(environ, app.unit, stream.JournalStream());
+    std::vector<char*> environment;
+    for (std::string& text : environmentText) {
+        environment.push_back(text.data());
+    }
+    environment.push_back(nullptr);
+    const std::string cantStart =
+        std::string(m_streams.Journal() ? "<3>" : "") + "hl-appmgr: can't start " + app.unit.program + ": ";
 
     const pid_t pid = ::fork();
     if (pid == 0) {
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
-        for (const auto& [key, value] : app.unit.environment) {
-            ::setenv(key.c_str(), value.c_str(), 1);
+        if (const int fd = stream.Fd(); fd >= 0) {
+            ::dup2(fd, STDOUT_FILENO);
+            ::dup2(fd, STDERR_FILENO);
+            if (fd <= STDERR_FILENO) {
+                ::fcntl(fd, F_SETFD, 0);  // dup2 onto itself keeps close-on-exec
+            }
         }
+        environ = environment.data();
         ::execvp(app.unit.program.c_str(), argv.data());
-        std::fprintf(stderr, "hl-appmgr: can't start %s: %s\n", app.unit.program.c_str(),
-                     std::strerror(errno));
+        const char* reason = std::strerror(errno);
+        [[maybe_unused]] ssize_t ignored = ::write(STDERR_FILENO, cantStart.data(), cantStart.size());
+        ignored = ::write(STDERR_FILENO, reason, std::strlen(reason));
+        ignored = ::write(STDERR_FILENO, "\n", 1);
         ::_exit(127);
     }
     const auto now = Clock::now();

@@ -4,6 +4,9 @@
 // state file. Faults (a crash, a kill by a signal, a hang, a failed start, a restart, the start
 // limit) are logged at warning level or above, normal starts and stops at info.
 //
+// Each application starts with ChildEnvironment's environment and, when the streams give it one, a
+// journal stream of its own as standard output and error.
+//
 // Thread: the lifecycle sink runs on the server thread; Start/Tick/Stop on the main thread. One
 // mutex guards everything. The peer pid of a call is not exposed by the platform, so a call is
 // matched to the process by the application's name, which is the argv[0] the manager gave it.
@@ -18,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "application_streams.h"
 #include "core/restart_decision.h"
 #include "core/status_table.h"
 #include "core/unit_file.h"
@@ -31,7 +35,7 @@ public:
     static constexpr std::chrono::milliseconds kKillGrace{2000};
     static constexpr std::int64_t kUpdateEventMask = 1 << 16;
 
-    explicit Supervisor(std::vector<Unit> units);
+    Supervisor(std::vector<Unit> units, ApplicationStreams streams);
     ~Supervisor() override;
 
     // Starts every application once.
@@ -80,6 +84,7 @@ private:
     void ApplyCommands();
 
     mutable std::mutex m_mutex;
+    ApplicationStreams m_streams;
     std::vector<App> m_apps;
     std::map<std::string, std::int64_t> m_commands;
 };
