@@ -4,7 +4,6 @@
 #include <diagnostics/log.h>
 
 #include <signal.h>
-#include <systemd/sd-daemon.h>
 #include <unistd.h>
 
 #include <charconv>
@@ -23,6 +22,7 @@
 #include "manager_server.h"
 #include "manager_services.h"
 #include "supervisor.h"
+#include "systemd_notifier.h"
 
 namespace hl_appmgr {
 
@@ -47,7 +47,11 @@ constexpr const char* kHelp =
     "  --log-level LEVEL        0 trace, 1 debug (each Ping), 2 info (default), 3 warning, 4 error,\n"
     "                           5 critical, 6 off\n"
     "\n"
-    "Under systemd (NOTIFY_SOCKET set) it reports READY=1 once serving and WATCHDOG=1 while alive.\n"
+    "Under systemd (NOTIFY_SOCKET set) it reports READY=1 once serving, STATUS= when its applications\n"
+    "change (\"1 of 1 applications running\") and WATCHDOG=1 while alive, until an application has\n"
+    "reached its start limit: then systemd's watchdog restarts the manager. The applications never\n"
+    "see NOTIFY_SOCKET, WATCHDOG_USEC or WATCHDOG_PID. When its standard error is the journal\n"
+    "(JOURNAL_STREAM), each application writes to a journal stream of its own, under its name.\n"
     "\n"
     "Exit codes: 0 ended by SIGTERM/SIGINT; 1 usage error; 2 a unit file is unreadable or wrong;\n"
     "3 the manager's server can't be set up (another hl-appmgr serves this runtime directory).\n";
@@ -193,13 +197,11 @@ int RunRun(const std::vector<std::string>& arguments) {
     TakeCommands(nullptr);
     HL_LOG(hos::logger::LogLevel::Info, "hl-appmgr serving {} as {}", ManagerServer::kPublishedType,
            ManagerServer::kServerName);
+    SystemdNotifier notifier;
     supervisor->StartAll();
-    sd_notify(0, "READY=1");
-    std::uint64_t watchdogUsec = 0;
-    const bool systemdWatchdog = sd_watchdog_enabled(0, &watchdogUsec) > 0;
+    notifier.Ready(supervisor->Summary());
 
     auto lastWrite = std::chrono::steady_clock::time_point{};
-    auto lastNotify = std::chrono::steady_clock::time_point{};
     while (g_stop == 0) {
         supervisor->Tick();
         const auto now = std::chrono::steady_clock::now();
@@ -207,14 +209,16 @@ int RunRun(const std::vector<std::string>& arguments) {
             WriteStatusFile(supervisor->Status());
             lastWrite = now;
         }
-        if (systemdWatchdog && now - lastNotify >= std::chrono::microseconds(watchdogUsec / 2)) {
-            sd_notify(0, "WATCHDOG=1");
-            lastNotify = now;
+        const std::string summary = supervisor->Summary();
+        if (supervisor->SomeFailedForGood()) {
+            notifier.StopWatchdog(summary);
         }
+        notifier.Status(summary);
+        notifier.KeepAlive(now);
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
     HL_LOG(hos::logger::LogLevel::Info, "hl-appmgr stopping");
-    sd_notify(0, "STOPPING=1");
+    notifier.Stopping();
     supervisor->StopAll();
     server.Stop();
     WriteStatusFile(supervisor->Status());

@@ -177,6 +177,7 @@ void Supervisor::Ended(App& app, int status) {
         HL_LOG(LogLevel::Warning, "{}: restarting in {} ms", app.unit.name, decision.delayMs);
     } else if (decision.startLimitHit) {
         app.state = "failed";
+        app.startLimitHit = true;
         HL_LOG(LogLevel::Error, "{}: start limit of {} starts in {} ms reached; not restarting",
                app.unit.name, app.unit.startLimit, app.unit.startLimitIntervalMs);
     } else {
@@ -305,6 +306,32 @@ StatusTable Supervisor::Status() const {
             {app.unit.name, app.state, static_cast<long>(app.pid), app.lastPingUnixMs, app.restartCount});
     }
     return table;
+}
+
+std::string Supervisor::Summary() const {
+    std::lock_guard lock(m_mutex);
+    std::string failed;
+    std::size_t running = 0;
+    for (const App& app : m_apps) {
+        if (app.startLimitHit) {
+            failed += (failed.empty() ? "" : ", ") + app.unit.name;
+        }
+        running += app.state == "running" ? 1 : 0;
+    }
+    if (!failed.empty()) {
+        return failed + " failed: start limit reached";
+    }
+    return fmt::format("{} of {} applications running", running, m_apps.size());
+}
+
+bool Supervisor::SomeFailedForGood() const {
+    std::lock_guard lock(m_mutex);
+    for (const App& app : m_apps) {
+        if (app.startLimitHit) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void Supervisor::OnReadyToInitialize(const std::string& name) {

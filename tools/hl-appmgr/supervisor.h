@@ -47,6 +47,11 @@ public:
     // Each step is logged. Returns when all are reaped; the watchdog no longer applies to them.
     void StopAll();
     StatusTable Status() const;
+    // The applications in one line, for systemd's STATUS=: "1 of 2 applications running", or
+    // "NAME failed: start limit reached" once an application has reached its start limit.
+    std::string Summary() const;
+    // Whether an application has reached its start limit and stays failed.
+    bool SomeFailedForGood() const;
 
     void OnReadyToInitialize(const std::string& app) override;
     void OnReadyToShowUI(const std::string& app) override;
@@ -67,6 +72,7 @@ private:
         bool failedStart = false;
         bool hungKill = false;
         bool stopping = false;
+        bool startLimitHit = false;
         Clock::time_point watchFrom{};
         Clock::time_point abortedAt{};
         Clock::time_point restartAt{};
