@@ -59,6 +59,11 @@ Session::Session(SessionSetup setup) : m_setup(std::move(setup)) {
         std::filesystem::create_directories(m_setup.directory, ignored);
     }
     setenv("HL_RUNTIME_DIR", RuntimeDirectory().c_str(), 1);
+    // The session's services report to the session ("ready", the log), never to a service manager
+    // that may have started this process.
+    for (const char* name : {"NOTIFY_SOCKET", "WATCHDOG_USEC", "WATCHDOG_PID"}) {
+        unsetenv(name);
+    }
     if (!m_setup.fontconfig.empty()) {
         setenv("FONTCONFIG_FILE", m_setup.fontconfig.c_str(), 0);
     }

@@ -8,7 +8,8 @@
 //
 // The constructor points this process's HL_RUNTIME_DIR at the session (and FONTCONFIG_FILE at the
 // session's font configuration, unless one is set), so every process started afterwards, by the
-// session or not, reaches the session's services. One session per process at a time.
+// session or not, reaches the session's services, and removes systemd's NOTIFY_SOCKET, WATCHDOG_USEC
+// and WATCHDOG_PID, which are not meant for them. One session per process at a time.
 //
 // Thread: one thread. The session owns its processes; the destructor stops the manager (SIGTERM,
 // which ends the program normally; SIGKILL after 20 s), then the settings service, and removes a
