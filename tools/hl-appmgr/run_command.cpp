@@ -1,8 +1,9 @@
 // hl-appmgr run: the manager itself.
+#include <diagnostics/default_logger_impl.h>
+#include <diagnostics/hos_logger.h>
 #include <diagnostics/log.h>
 
 #include <signal.h>
-#include <systemd/sd-daemon.h>
 #include <unistd.h>
 
 #include <charconv>
@@ -21,6 +22,7 @@
 #include "manager_server.h"
 #include "manager_services.h"
 #include "supervisor.h"
+#include "systemd_notifier.h"
 
 namespace hl_appmgr {
 
@@ -28,7 +30,7 @@ namespace {
 
 constexpr const char* kHelp =
     "Usage: hl-appmgr run [--unit FILE]... [--name NAME] [--watchdog-interval MS] [--restart POLICY]\n"
-    "                     [--] [PROGRAM [ARGS...]]\n"
+    "                     [--log-level LEVEL] [--] [PROGRAM [ARGS...]]\n"
     "\n"
     "Serves the application manager (type hl.app_manager.ApplicationManager.applicationManager, server\n"
     "applicationManager_id, services app_manager.applicationController, app_manager.applicationCommands,\n"
@@ -36,14 +38,20 @@ constexpr const char* kHelp =
     "supervises them until SIGTERM or SIGINT, which ends the applications (SIGTERM, then SIGKILL after\n"
     "the unit's stop_timeout_ms, 5 s by default) and the manager.\n"
     "Each application gets its name as argv[0]; calls are matched to it by that name. Every lifecycle\n"
-    "call and every Ping is logged as \"NAME[PID]: CALL\" on standard error.\n"
+    "call is logged as \"NAME[PID]: CALL\" on standard error, each Ping so at debug level.\n"
     "\n"
     "  --unit FILE              an application described by a unit file (see tools/hl-appmgr/README.md)\n"
     "  --name NAME              the name of PROGRAM (default: its basename)\n"
     "  --watchdog-interval MS   PROGRAM's watchdog interval (default 5000)\n"
     "  --restart POLICY         PROGRAM's policy: no, on-failure (default) or always\n"
+    "  --log-level LEVEL        0 trace, 1 debug (each Ping), 2 info (default), 3 warning, 4 error,\n"
+    "                           5 critical, 6 off\n"
     "\n"
-    "Under systemd (NOTIFY_SOCKET set) it reports READY=1 once serving and WATCHDOG=1 while alive.\n"
+    "Under systemd (NOTIFY_SOCKET set) it reports READY=1 once serving, STATUS= when its applications\n"
+    "change (\"1 of 1 applications running\") and WATCHDOG=1 while alive, until an application has\n"
+    "reached its start limit: then systemd's watchdog restarts the manager. The applications never\n"
+    "see NOTIFY_SOCKET, WATCHDOG_USEC or WATCHDOG_PID. When its standard error is the journal\n"
+    "(JOURNAL_STREAM), each application writes to a journal stream of its own, under its name.\n"
     "\n"
     "Exit codes: 0 ended by SIGTERM/SIGINT; 1 usage error; 2 a unit file is unreadable or wrong;\n"
     "3 the manager's server can't be set up (another hl-appmgr serves this runtime directory).\n";
@@ -90,6 +98,7 @@ int RunRun(const std::vector<std::string>& arguments) {
     std::string name;
     std::int64_t interval = 0;
     std::string restart;
+    int logLevel = static_cast<int>(hos::logger::LogLevel::Info);
     std::size_t i = 0;
     for (; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -126,6 +135,13 @@ int RunRun(const std::vector<std::string>& arguments) {
             }
         } else if (argument == "--restart" && hasValue) {
             restart = arguments[++i];
+        } else if (argument == "--log-level" && hasValue) {
+            const std::string& text = arguments[++i];
+            if (text.size() != 1 || text[0] < '0' || text[0] > '6') {
+                std::fprintf(stderr, "hl-appmgr: --log-level takes 0 to 6, not '%s'\n", text.c_str());
+                return 1;
+            }
+            logLevel = text[0] - '0';
         } else if (!argument.empty() && argument[0] == '-') {
             std::fprintf(stderr, "hl-appmgr: unknown or incomplete option '%s'\n\n%s", argument.c_str(),
                          kHelp);
@@ -161,6 +177,8 @@ int RunRun(const std::vector<std::string>& arguments) {
         return 1;
     }
 
+    hos::logger::HOSLogger::RootLogger().SetLevel(static_cast<hos::logger::LogLevel>(logLevel));
+
     struct sigaction action {};
     action.sa_handler = OnStopSignal;
     sigemptyset(&action.sa_mask);
@@ -168,7 +186,8 @@ int RunRun(const std::vector<std::string>& arguments) {
     sigaction(SIGINT, &action, nullptr);
     signal(SIGPIPE, SIG_IGN);
 
-    auto supervisor = std::make_shared<Supervisor>(std::move(units));
+    auto supervisor = std::make_shared<Supervisor>(
+        std::move(units), ApplicationStreams(hos::logger::StandardErrorIsTheJournal()));
     auto services = std::make_shared<ManagerServices>(supervisor);
     ManagerServer server(services);
     if (!server.Start()) {
@@ -178,13 +197,11 @@ int RunRun(const std::vector<std::string>& arguments) {
     TakeCommands(nullptr);
     HL_LOG(hos::logger::LogLevel::Info, "hl-appmgr serving {} as {}", ManagerServer::kPublishedType,
            ManagerServer::kServerName);
+    SystemdNotifier notifier;
     supervisor->StartAll();
-    sd_notify(0, "READY=1");
-    std::uint64_t watchdogUsec = 0;
-    const bool systemdWatchdog = sd_watchdog_enabled(0, &watchdogUsec) > 0;
+    notifier.Ready(supervisor->Summary());
 
     auto lastWrite = std::chrono::steady_clock::time_point{};
-    auto lastNotify = std::chrono::steady_clock::time_point{};
     while (g_stop == 0) {
         supervisor->Tick();
         const auto now = std::chrono::steady_clock::now();
@@ -192,14 +209,16 @@ int RunRun(const std::vector<std::string>& arguments) {
             WriteStatusFile(supervisor->Status());
             lastWrite = now;
         }
-        if (systemdWatchdog && now - lastNotify >= std::chrono::microseconds(watchdogUsec / 2)) {
-            sd_notify(0, "WATCHDOG=1");
-            lastNotify = now;
+        const std::string summary = supervisor->Summary();
+        if (supervisor->SomeFailedForGood()) {
+            notifier.StopWatchdog(summary);
         }
+        notifier.Status(summary);
+        notifier.KeepAlive(now);
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
     HL_LOG(hos::logger::LogLevel::Info, "hl-appmgr stopping");
-    sd_notify(0, "STOPPING=1");
+    notifier.Stopping();
     supervisor->StopAll();
     server.Stop();
     WriteStatusFile(supervisor->Status());

@@ -6,6 +6,7 @@
 #include <platform/nk_result.h>
 #include <platform/platform.h>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@
 #include <cstring>
 #include <thread>
 
+#include "core/child_environment.h"
 #include "core/command_box.h"
 
 namespace hl_appmgr {
@@ -51,7 +53,7 @@ std::string_view EndKindName(EndKind kind) {
 
 Supervisor::App::App(Unit u) : unit(std::move(u)), restarts(unit), updateHandle(NK_INVALID_HANDLE) {}
 
-Supervisor::Supervisor(std::vector<Unit> units) {
+Supervisor::Supervisor(std::vector<Unit> units, ApplicationStreams streams) : m_streams(std::move(streams)) {
     m_apps.reserve(units.size());
     for (Unit& unit : units) {
         m_apps.emplace_back(std::move(unit));
@@ -96,18 +98,36 @@ void Supervisor::Spawn(App& app) {
         argv.push_back(text.data());
     }
     argv.push_back(nullptr);
+    // Everything the child needs is made here: between fork and exec another thread may hold the
+    // allocator's lock, so the child only moves descriptors, points environ and execs.
+    const ApplicationStream stream = m_streams.Open(app.unit.name);
+    std::vector<std::string> environmentText = ChildEnvironment(environ, app.unit, stream.JournalStream());
+    std::vector<char*> environment;
+    for (std::string& text : environmentText) {
+        environment.push_back(text.data());
+    }
+    environment.push_back(nullptr);
+    const std::string cantStart =
+        std::string(m_streams.Journal() ? "<3>" : "") + "hl-appmgr: can't start " + app.unit.program + ": ";
 
     const pid_t pid = ::fork();
     if (pid == 0) {
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
-        for (const auto& [key, value] : app.unit.environment) {
-            ::setenv(key.c_str(), value.c_str(), 1);
+        if (const int fd = stream.Fd(); fd >= 0) {
+            ::dup2(fd, STDOUT_FILENO);
+            ::dup2(fd, STDERR_FILENO);
+            if (fd <= STDERR_FILENO) {
+                ::fcntl(fd, F_SETFD, 0);  // dup2 onto itself keeps close-on-exec
+            }
         }
+        environ = environment.data();
         ::execvp(app.unit.program.c_str(), argv.data());
-        std::fprintf(stderr, "hl-appmgr: can't start %s: %s\n", app.unit.program.c_str(),
-                     std::strerror(errno));
+        const char* reason = std::strerror(errno);
+        [[maybe_unused]] ssize_t ignored = ::write(STDERR_FILENO, cantStart.data(), cantStart.size());
+        ignored = ::write(STDERR_FILENO, reason, std::strlen(reason));
+        ignored = ::write(STDERR_FILENO, "\n", 1);
         ::_exit(127);
     }
     const auto now = Clock::now();
@@ -140,11 +160,11 @@ void Supervisor::Ended(App& app, int status) {
     }
     // While the manager stops, how the application ends is not a fault of its own.
     const std::string_view how = app.stopping ? std::string_view("stopped") : EndKindName(kind);
+    const LogLevel level = app.stopping || kind == EndKind::Clean ? LogLevel::Info : LogLevel::Warning;
     if (WIFSIGNALED(status)) {
-        HL_LOG(LogLevel::Info, "{}[{}]: killed by signal {} ({})", app.unit.name, pid, WTERMSIG(status), how);
+        HL_LOG(level, "{}[{}]: killed by signal {} ({})", app.unit.name, pid, WTERMSIG(status), how);
     } else {
-        HL_LOG(LogLevel::Info, "{}[{}]: exited with status {} ({})", app.unit.name, pid, WEXITSTATUS(status),
-               how);
+        HL_LOG(level, "{}[{}]: exited with status {} ({})", app.unit.name, pid, WEXITSTATUS(status), how);
     }
     if (app.stopping) {
         app.state = "stopped";
@@ -154,15 +174,16 @@ void Supervisor::Ended(App& app, int status) {
     if (decision.restart) {
         app.state = "waiting-restart";
         app.restartAt = Clock::now() + std::chrono::milliseconds(decision.delayMs);
-        HL_LOG(LogLevel::Info, "{}: restarting in {} ms", app.unit.name, decision.delayMs);
+        HL_LOG(LogLevel::Warning, "{}: restarting in {} ms", app.unit.name, decision.delayMs);
     } else if (decision.startLimitHit) {
         app.state = "failed";
+        app.startLimitHit = true;
         HL_LOG(LogLevel::Error, "{}: start limit of {} starts in {} ms reached; not restarting",
                app.unit.name, app.unit.startLimit, app.unit.startLimitIntervalMs);
     } else {
         app.state = kind == EndKind::Clean ? "exited" : "failed";
-        HL_LOG(LogLevel::Info, "{}: not restarted (restart={})", app.unit.name,
-               RestartPolicyName(app.unit.restart));
+        HL_LOG(kind == EndKind::Clean ? LogLevel::Info : LogLevel::Warning, "{}: not restarted (restart={})",
+               app.unit.name, RestartPolicyName(app.unit.restart));
     }
 }
 
@@ -287,6 +308,32 @@ StatusTable Supervisor::Status() const {
     return table;
 }
 
+std::string Supervisor::Summary() const {
+    std::lock_guard lock(m_mutex);
+    std::string failed;
+    std::size_t running = 0;
+    for (const App& app : m_apps) {
+        if (app.startLimitHit) {
+            failed += (failed.empty() ? "" : ", ") + app.unit.name;
+        }
+        running += app.state == "running" ? 1 : 0;
+    }
+    if (!failed.empty()) {
+        return failed + " failed: start limit reached";
+    }
+    return fmt::format("{} of {} applications running", running, m_apps.size());
+}
+
+bool Supervisor::SomeFailedForGood() const {
+    std::lock_guard lock(m_mutex);
+    for (const App& app : m_apps) {
+        if (app.startLimitHit) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void Supervisor::OnReadyToInitialize(const std::string& name) {
     std::lock_guard lock(m_mutex);
     HL_LOG(LogLevel::Info, "{}[{}]: ReadyToInitialize", name, PidOf(name));
@@ -313,7 +360,7 @@ void Supervisor::OnStateChanged(const std::string& name, std::int64_t state) {
 void Supervisor::OnFinishWithInternalError(const std::string& name, const std::string& error,
                                            const std::string& details) {
     std::lock_guard lock(m_mutex);
-    HL_LOG(LogLevel::Info, "{}[{}]: FinishWithInternalError: {} / {}", name, PidOf(name), error, details);
+    HL_LOG(LogLevel::Warning, "{}[{}]: FinishWithInternalError: {} / {}", name, PidOf(name), error, details);
     if (App* app = Find(name)) {
         app->failedStart = true;
     }
@@ -321,7 +368,7 @@ void Supervisor::OnFinishWithInternalError(const std::string& name, const std::s
 
 void Supervisor::OnPing(const std::string& name) {
     std::lock_guard lock(m_mutex);
-    HL_LOG(LogLevel::Info, "{}[{}]: Ping", name, PidOf(name));
+    HL_LOG(LogLevel::Debug, "{}[{}]: Ping", name, PidOf(name));
     if (App* app = Find(name)) {
         app->lastPingUnixMs = UnixMs();
         app->watchFrom = Clock::now();

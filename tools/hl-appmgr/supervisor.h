@@ -1,6 +1,11 @@
 // Starts and watches the applications of hl-appmgr: one process per unit, the lifecycle calls
-// and Pings they make (logged with name and pid), the watchdog after ReadyToShowUI, restarts with
-// back-off and a start limit, the commands of the drop box and the state file.
+// and Pings they make (logged with name and pid; Pings at debug level), the watchdog after
+// ReadyToShowUI, restarts with back-off and a start limit, the commands of the drop box and the
+// state file. Faults (a crash, a kill by a signal, a hang, a failed start, a restart, the start
+// limit) are logged at warning level or above, normal starts and stops at info.
+//
+// Each application starts with ChildEnvironment's environment and, when the streams give it one, a
+// journal stream of its own as standard output and error.
 //
 // Thread: the lifecycle sink runs on the server thread; Start/Tick/Stop on the main thread. One
 // mutex guards everything. The peer pid of a call is not exposed by the platform, so a call is
@@ -16,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "application_streams.h"
 #include "core/restart_decision.h"
 #include "core/status_table.h"
 #include "core/unit_file.h"
@@ -29,7 +35,7 @@ public:
     static constexpr std::chrono::milliseconds kKillGrace{2000};
     static constexpr std::int64_t kUpdateEventMask = 1 << 16;
 
-    explicit Supervisor(std::vector<Unit> units);
+    Supervisor(std::vector<Unit> units, ApplicationStreams streams);
     ~Supervisor() override;
 
     // Starts every application once.
@@ -41,6 +47,11 @@ public:
     // Each step is logged. Returns when all are reaped; the watchdog no longer applies to them.
     void StopAll();
     StatusTable Status() const;
+    // The applications in one line, for systemd's STATUS=: "1 of 2 applications running", or
+    // "NAME failed: start limit reached" once an application has reached its start limit.
+    std::string Summary() const;
+    // Whether an application has reached its start limit and stays failed.
+    bool SomeFailedForGood() const;
 
     void OnReadyToInitialize(const std::string& app) override;
     void OnReadyToShowUI(const std::string& app) override;
@@ -61,6 +72,7 @@ private:
         bool failedStart = false;
         bool hungKill = false;
         bool stopping = false;
+        bool startLimitHit = false;
         Clock::time_point watchFrom{};
         Clock::time_point abortedAt{};
         Clock::time_point restartAt{};
@@ -78,6 +90,7 @@ private:
     void ApplyCommands();
 
     mutable std::mutex m_mutex;
+    ApplicationStreams m_streams;
     std::vector<App> m_apps;
     std::map<std::string, std::int64_t> m_commands;
 };

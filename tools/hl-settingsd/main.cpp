@@ -10,10 +10,12 @@
 #include <platform/nk_message.h>
 
 #include <sys/stat.h>
+#include <systemd/sd-daemon.h>
 
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <string>
@@ -47,6 +49,22 @@ std::atomic<bool> g_stop{false};
 
 void OnStopSignal(int) {
     g_stop = true;
+}
+
+// Under systemd (NOTIFY_SOCKET set) readiness goes to the service manager. Otherwise, and when that
+// message can't be sent, the "ready" line on standard output that the hosted session and the tests
+// wait for.
+void AnnounceReady(const std::string& name) {
+    const int notified = sd_notify(0, ("READY=1\nSTATUS=serving " + name).c_str());
+    if (notified > 0) {
+        return;
+    }
+    if (notified < 0) {
+        HL_LOG(LogLevel::Warning, "{}: can't tell systemd that it serves ({}); printing 'ready' instead",
+               name, std::strerror(-notified));
+    }
+    std::puts("ready");
+    std::fflush(stdout);
 }
 
 }  // namespace
@@ -96,8 +114,7 @@ int main(int argc, char** argv) {
         return kExitServe;
     }
     HL_LOG(LogLevel::Info, "{}: serving", name);
-    std::puts("ready");
-    std::fflush(stdout);
+    AnnounceReady(name);
 
     auto lastTick = std::chrono::steady_clock::now();
     while (!g_stop) {
@@ -111,6 +128,7 @@ int main(int argc, char** argv) {
             lastTick = now;
         }
     }
+    sd_notify(0, "STOPPING=1");
     HL_LOG(LogLevel::Info, "{}: stopped", name);
     return kExitStopped;
 }

@@ -59,6 +59,11 @@ Session::Session(SessionSetup setup) : m_setup(std::move(setup)) {
         std::filesystem::create_directories(m_setup.directory, ignored);
     }
     setenv("HL_RUNTIME_DIR", RuntimeDirectory().c_str(), 1);
+    // The session's services report to the session ("ready", the log), never to a service manager
+    // that may have started this process.
+    for (const char* name : {"NOTIFY_SOCKET", "WATCHDOG_USEC", "WATCHDOG_PID"}) {
+        unsetenv(name);
+    }
     if (!m_setup.fontconfig.empty()) {
         setenv("FONTCONFIG_FILE", m_setup.fontconfig.c_str(), 0);
     }
@@ -105,8 +110,10 @@ int Session::SettingsTool(const std::vector<std::string>& arguments) {
 void Session::StartManager(const std::string& unitLines) {
     const std::string unit = m_setup.directory + "/" + m_setup.name + ".unit";
     std::ofstream(unit) << "name=" << m_setup.name << "\nprogram=" << m_setup.program << "\n" << unitLines;
-    m_manager = std::make_unique<ChildProcess>(std::vector<std::string>{m_setup.appmgr, "run", "--unit", unit},
-                                               SpawnOptions{LogPath(), -1, true});
+    // At debug level the log holds every Ping, which the session's users count.
+    m_manager = std::make_unique<ChildProcess>(
+        std::vector<std::string>{m_setup.appmgr, "run", "--log-level", "1", "--unit", unit},
+        SpawnOptions{LogPath(), -1, true});
 }
 
 bool Session::Start(const std::string& unitLines, std::chrono::milliseconds timeout) {

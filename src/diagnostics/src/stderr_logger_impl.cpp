@@ -86,11 +86,19 @@ bool StandardErrorIsTheJournal() {
     // systemd sets JOURNAL_STREAM to "DEVICE:INODE" of the stream it connects to standard error; a
     // process whose standard error was redirected since has another one.
     const char* stream = std::getenv("JOURNAL_STREAM");
-    struct stat status {};
-    if (stream == nullptr || ::fstat(STDERR_FILENO, &status) != 0) {
+    if (stream == nullptr) {
         return false;
     }
-    return fmt::format("{}:{}", status.st_dev, status.st_ino) == stream;
+    const std::string own = JournalStreamOf(STDERR_FILENO);
+    return !own.empty() && own == stream;
+}
+
+std::string JournalStreamOf(int fd) {
+    struct stat status {};
+    if (::fstat(fd, &status) != 0) {
+        return {};
+    }
+    return fmt::format("{}:{}", status.st_dev, status.st_ino);
 }
 
 std::unique_ptr<DefaultLoggerImpl> CreateStderrLoggerImpl() {

@@ -36,7 +36,7 @@ unit broken failstart "start_limit=2" "start_limit_interval_ms=60000"
 "$APPMGR" run --unit "$WORK/missing.unit"; [ $? -eq 2 ] || fail "a missing unit file must exit 2"
 "$APPMGR" status; [ $? -eq 3 ] || fail "status without a manager must exit 3"
 
-"$APPMGR" run --unit "$WORK/steady.unit" --unit "$WORK/frozen.unit" --unit "$WORK/crasher.unit" \
+"$APPMGR" run --log-level 1 --unit "$WORK/steady.unit" --unit "$WORK/frozen.unit" --unit "$WORK/crasher.unit" \
   --unit "$WORK/quitter.unit" --unit "$WORK/broken.unit" > "$WORK/out" 2> "$WORK/log" &
 MANAGER=$!
 

@@ -1,13 +1,17 @@
 // A small managed application for hl-appmgr's tests, written with the generated proxies.
 //
-//   test_app MODE [PING_MS]    (argv[0] is the application's name, as hl-appmgr passes it)
+//   test_app MODE [PING_MS [REPORT]]    (argv[0] is the application's name, as hl-appmgr passes it)
 //
+// Logs "NAME: MODE, Ping every PING_MS ms" at info level and, given REPORT, writes there the systemd
+// variables it was started with, one "KEY=VALUE" line each ("KEY=-" when unset): NOTIFY_SOCKET,
+// WATCHDOG_USEC, WATCHDOG_PID, JOURNAL_STREAM.
 // Looks up the application manager, GetUpdateHandle, ReadyToInitialize, ReadyToShowUI, then Pings
 // every PING_MS (default 1000). On the update event it reads GetCommand("volume") and prints
 // "command volume=N" on stdout. On SIGTERM: StateChanged(-2), exit 0. MODE: run (until SIGTERM),
-// crash (abort after 2 Pings), exit0 (StateChanged(-2) and exit 0 after 2 Pings), failstart
-// (FinishWithInternalError instead of ReadyToShowUI, exit 1).
+// crash (a warning, then abort after 2 Pings), exit0 (StateChanged(-2) and exit 0 after 2 Pings),
+// failstart (FinishWithInternalError instead of ReadyToShowUI, exit 1).
 // Exit status: 0, 1 on a failed start, 2 without a manager, 3 usage.
+#include <diagnostics/log.h>
 #include <ipc_runtime/application.h>
 #include <ipc_runtime/connection_builder.h>
 #include <interfaces/hl/app_manager/application_commands.h>
@@ -21,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -53,6 +58,14 @@ int main(int argc, char** argv) {
     const std::string mode = argv[1];
     const unsigned long pingMs = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 1000;
     const auto name = Bytes(argv[0]);
+    HL_LOG(hos::logger::LogLevel::Info, "{}: {}, Ping every {} ms", argv[0], mode, pingMs);
+    if (argc > 3) {
+        std::ofstream report(argv[3]);
+        for (const char* key : {"NOTIFY_SOCKET", "WATCHDOG_USEC", "WATCHDOG_PID", "JOURNAL_STREAM"}) {
+            const char* value = std::getenv(key);
+            report << key << "=" << (value != nullptr ? value : "-") << "\n";
+        }
+    }
     std::signal(SIGTERM, [](int) { g_stop = 1; });
 
     const auto target = shared::ipc_utils::FindConnectionTargetForType(
@@ -103,6 +116,7 @@ int main(int argc, char** argv) {
         watchdog->Ping(name, rc);
         ++pings;
         if (pings == 2 && mode == "crash") {
+            HL_LOG(hos::logger::LogLevel::Warning, "{}: aborting as asked", argv[0]);
             std::abort();
         }
         if (pings == 2 && mode == "exit0") {

@@ -13,7 +13,8 @@ hl_add_executable(hl_settingsd_test_subscriber SOURCES tests/subscriber.cpp DEPS
 hl_add_test(hl_settingsd_tests
   SOURCES tests/store_rules_process_test.cpp tests/persistence_process_test.cpp
           tests/bad_input_process_test.cpp tests/exit_codes_process_test.cpp
-          tests/proxy_across_processes_test.cpp ${_hl_settingsd_test_support}
+          tests/proxy_across_processes_test.cpp tests/readiness_process_test.cpp
+          ${_hl_settingsd_test_support}
   DEPS hl_settings_manager hl_test_support
   LABELS integration)
 # The update subscriptions run the client's callback thread against the service, which also dies

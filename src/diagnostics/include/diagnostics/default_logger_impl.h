@@ -23,8 +23,13 @@ public:
 // FormatJournalLine's, else FormatLogLine's.
 std::unique_ptr<DefaultLoggerImpl> CreateStderrLoggerImpl();
 
-// True when JOURNAL_STREAM names the device and inode of file descriptor 2.
+// True when JOURNAL_STREAM names the device and inode of file descriptor 2. A process that hands
+// its children streams of their own (hl-appmgr) asks this once, as its logger does.
 bool StandardErrorIsTheJournal();
+
+// The value of JOURNAL_STREAM that names the open descriptor fd, "DEVICE:INODE" in decimal, as
+// systemd sets it and StandardErrorIsTheJournal compares it; empty when fd can't be examined.
+std::string JournalStreamOf(int fd);
 
 // The journal's form of a line: the record's syslog priority as sd-daemon(3) reads it ("<2>"
 // critical, "<3>" error, "<4>" warning, "<6>" info, "<7>" debug and trace), and no time stamp, which

@@ -8,7 +8,8 @@
 //
 // The constructor points this process's HL_RUNTIME_DIR at the session (and FONTCONFIG_FILE at the
 // session's font configuration, unless one is set), so every process started afterwards, by the
-// session or not, reaches the session's services. One session per process at a time.
+// session or not, reaches the session's services, and removes systemd's NOTIFY_SOCKET, WATCHDOG_USEC
+// and WATCHDOG_PID, which are not meant for them. One session per process at a time.
 //
 // Thread: one thread. The session owns its processes; the destructor stops the manager (SIGTERM,
 // which ends the program normally; SIGKILL after 20 s), then the settings service, and removes a
@@ -63,9 +64,9 @@ public:
     // hl-settings with `arguments`; its exit status, -1 when it does not end within 60 s.
     int SettingsTool(const std::vector<std::string>& arguments);
 
-    // `hl-appmgr run --unit FILE`: the unit names the program and its name, followed by `unitLines`
-    // ("key=value" lines). Nothing is waited for. Called again once the manager has gone, it starts
-    // another.
+    // `hl-appmgr run --log-level 1 --unit FILE` (debug: each Ping is logged): the unit names the
+    // program and its name, followed by `unitLines` ("key=value" lines). Nothing is waited for.
+    // Called again once the manager has gone, it starts another.
     void StartManager(const std::string& unitLines);
     // The settings service when none runs yet, then the manager; waits up to `timeout` for one more
     // ReadyToShowUI of the program. False when either does not come up, or the program ends for
