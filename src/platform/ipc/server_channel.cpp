@@ -3,9 +3,7 @@
 #include <fcntl.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/timerfd.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,7 +12,6 @@
 
 #include <diagnostics/log.h>
 #include <platform/nk_result.h>
-#include <platform/runtime_directory.h>
 
 #include "ipc/message_codec.h"
 #include "ipc/packet_io.h"
@@ -31,23 +28,6 @@ constexpr std::chrono::nanoseconds kPumpTakesOver = std::chrono::milliseconds(2)
 // How long a client may leave its answers unread before it is disconnected.
 constexpr auto kOutboxLimit = std::chrono::seconds(5);
 
-sockaddr_un MakeAddress(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-    return address;
-}
-
-// True when a live server answers on `path`.
-bool IsServed(const sockaddr_un& address) {
-    UniqueFd probe = MakeSeqPacketSocket();
-    if (!probe.IsValid()) {
-        return false;
-    }
-    const int rc = ::connect(probe.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address));
-    return rc == 0 || errno == EAGAIN;
-}
-
 }  // namespace
 
 std::shared_ptr<ServerChannel> ServerChannel::Open(const std::string& name, int& rc) {
@@ -60,78 +40,29 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenForTesting(const std::string& 
 }
 
 std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, uid_t allowedUid, int& rc) {
-    const auto root = runtime_directory::Ensure();
-    if (!root) {
-        rc = NK_EFAIL;
+    auto listener = ServerListener::Bind(name, allowedUid, rc);
+    if (!listener) {
         return nullptr;
     }
-    const auto path = runtime_directory::ServerSocketPath(*root, name);
-    if (!path) {
-        rc = NK_EINVAL;
-        return nullptr;
-    }
-    UniqueFd listenFd = MakeSeqPacketSocket();
     UniqueFd wakeFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     UniqueFd refreshFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     UniqueFd idleTimerFd(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
-    if (!listenFd.IsValid() || !wakeFd.IsValid() || !refreshFd.IsValid() || !idleTimerFd.IsValid()) {
+    if (!wakeFd.IsValid() || !refreshFd.IsValid() || !idleTimerFd.IsValid()) {
         HL_LOG(LogLevel::Error, "Server {}: cannot make a socket: {}", name, std::strerror(errno));
         rc = NK_ENOMEM;
         return nullptr;
     }
-    const sockaddr_un address = MakeAddress(*path);
-    if (::bind(listenFd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        if (errno != EADDRINUSE) {
-            HL_LOG(LogLevel::Error, "Server {}: cannot bind {}: {}", name, *path, std::strerror(errno));
-            rc = NK_EFAIL;
-            return nullptr;
-        }
-        // Only a socket of our own user is taken over: a file another user planted stays as it is.
-        struct stat existing {};
-        if (::lstat(path->c_str(), &existing) != 0 || !S_ISSOCK(existing.st_mode) ||
-            existing.st_uid != ::geteuid()) {
-            HL_LOG(LogLevel::Error, "Server {}: {} is not a socket of uid {}; it is left alone", name, *path,
-                   ::geteuid());
-            rc = NK_EACCESS;
-            return nullptr;
-        }
-        if (IsServed(address)) {
-            HL_LOG(LogLevel::Error, "Server {}: the name is in use by a live server", name);
-            rc = NK_EBUSY;
-            return nullptr;
-        }
-        // The socket file of a server that has died: take the name over.
-        ::unlink(path->c_str());
-        if (::bind(listenFd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-            HL_LOG(LogLevel::Error, "Server {}: cannot bind {}: {}", name, *path, std::strerror(errno));
-            rc = errno == EADDRINUSE ? NK_EBUSY : NK_EFAIL;
-            return nullptr;
-        }
-    }
-    ::chmod(path->c_str(), 0600);
-    struct stat info {};
-    ::lstat(path->c_str(), &info);
-    if (::listen(listenFd.Get(), 128) != 0) {
-        HL_LOG(LogLevel::Error, "Server {}: cannot listen: {}", name, std::strerror(errno));
-        ::unlink(path->c_str());
-        rc = NK_EFAIL;
-        return nullptr;
-    }
-    std::shared_ptr<ServerChannel> channel(new ServerChannel(name, *path, info.st_ino, allowedUid,
-                                                             std::move(listenFd), std::move(wakeFd),
+    std::shared_ptr<ServerChannel> channel(new ServerChannel(name, std::move(listener), std::move(wakeFd),
                                                              std::move(refreshFd), std::move(idleTimerFd)));
     channel->m_thread = std::thread([raw = channel.get()] { raw->Run(); });
     rc = NK_EOK;
     return channel;
 }
 
-ServerChannel::ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid,
-                             UniqueFd listenFd, UniqueFd wakeFd, UniqueFd refreshFd, UniqueFd idleTimerFd)
+ServerChannel::ServerChannel(std::string name, std::unique_ptr<ServerListener> listener, UniqueFd wakeFd,
+                             UniqueFd refreshFd, UniqueFd idleTimerFd)
     : m_name(std::move(name)),
-      m_path(std::move(path)),
-      m_inode(inode),
-      m_allowedUid(allowedUid),
-      m_listenFd(std::move(listenFd)),
+      m_listener(std::move(listener)),
       m_wakeFd(std::move(wakeFd)),
       m_refreshFd(std::move(refreshFd)),
       m_idleTimerFd(std::move(idleTimerFd)) {}
@@ -166,11 +97,7 @@ void ServerChannel::Shutdown() {
     for (const auto& [id, connection] : connections) {
         ::shutdown(connection->fd.Get(), SHUT_RDWR);
     }
-    struct stat info {};
-    if (::lstat(m_path.c_str(), &info) == 0 && info.st_ino == m_inode) {
-        ::unlink(m_path.c_str());
-    }
-    m_listenFd.Reset();
+    m_listener->Close();
 }
 
 void ServerChannel::Signal(int eventFd) {
@@ -239,7 +166,7 @@ void ServerChannel::Run() {
         m_roles.notify_all();
         polled.clear();
         polled.push_back({m_wakeFd.Get(), POLLIN, 0});
-        polled.push_back({m_listenFd.Get(), POLLIN, 0});
+        polled.push_back({m_listener->Fd(), POLLIN, 0});
         polled.push_back({m_idleTimerFd.Get(), POLLIN, 0});
         constexpr size_t kFirstClient = 3;
         int timeoutMs = -1;
@@ -296,47 +223,22 @@ void ServerChannel::Run() {
 }
 
 void ServerChannel::AcceptClients() {
-    bool accepted = false;
-    for (;;) {
-        UniqueFd fd(::accept4(m_listenFd.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-        if (!fd.IsValid()) {
-            if (errno == EINTR || errno == ECONNABORTED) {
-                continue;
-            }
-            if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
-                // The client stays in the backlog; pausing keeps the pump from spinning on it.
-                HL_LOG(LogLevel::Error, "Server {}: cannot accept a client: {}", m_name,
-                       std::strerror(errno));
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            }
-            break;
-        }
-        ucred credentials{};
-        socklen_t length = sizeof(credentials);
-        if (::getsockopt(fd.Get(), SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
-            HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown", m_name);
-            continue;
-        }
-        auto connection = std::make_shared<Connection>();
-        connection->fd = std::move(fd);
-        if (credentials.uid != m_allowedUid) {
-            HL_LOG(LogLevel::Warning,
-                   "Server {}: refusing a peer of uid {} (pid {}): only uid {} may connect", m_name,
-                   credentials.uid, credentials.pid, m_allowedUid);
-            // Kept until its first frame has been read and refused: closing a socket with unread
-            // data would reset the peer before it could read why.
-            connection->refused = true;
-        }
-        TuneSocketBuffers(connection->fd.Get());
+    auto peers = m_listener->Accept();
+    if (peers.empty()) {
+        return;
+    }
+    {
         std::lock_guard lock(m_mutex);
-        connection->id = m_nextClient++;
-        m_connections.emplace(connection->id, std::move(connection));
+        for (auto& peer : peers) {
+            auto connection = std::make_shared<Connection>();
+            connection->fd = std::move(peer.fd);
+            connection->refused = peer.refused;
+            connection->id = m_nextClient++;
+            m_connections.emplace(connection->id, std::move(connection));
+        }
         ++m_generation;
-        accepted = true;
     }
-    if (accepted) {
-        Signal(m_refreshFd.Get());
-    }
+    Signal(m_refreshFd.Get());
 }
 
 ServerChannel::ReadOutcome ServerChannel::ReadClient(const std::shared_ptr<Connection>& connection,

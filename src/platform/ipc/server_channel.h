@@ -44,6 +44,7 @@
 #include "core/deadline.h"
 #include "core/unique_fd.h"
 #include "ipc/frame.h"
+#include "ipc/server_listener.h"
 
 namespace hos::platform {
 
@@ -93,8 +94,8 @@ private:
     // What reading one client gave.
     enum class ReadOutcome { Nothing, Handled, Request, Parked };
 
-    ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid, UniqueFd listenFd,
-                  UniqueFd wakeFd, UniqueFd refreshFd, UniqueFd idleTimerFd);
+    ServerChannel(std::string name, std::unique_ptr<ServerListener> listener, UniqueFd wakeFd,
+                  UniqueFd refreshFd, UniqueFd idleTimerFd);
     static std::shared_ptr<ServerChannel> OpenImpl(const std::string& name, uid_t allowedUid, int& rc);
 
     void Run();
@@ -123,10 +124,7 @@ private:
     void ArmIdleTimer(std::chrono::nanoseconds after);
 
     const std::string m_name;
-    const std::string m_path;
-    const ino_t m_inode;
-    const uid_t m_allowedUid;
-    UniqueFd m_listenFd;
+    const std::unique_ptr<ServerListener> m_listener;
     UniqueFd m_wakeFd;       // wakes the pump
     UniqueFd m_refreshFd;    // tells a receiver that the clients changed or the channel stops
     UniqueFd m_idleTimerFd;  // fires when no receiver has run for a while: the pump reads then
