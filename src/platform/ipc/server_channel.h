@@ -43,6 +43,7 @@
 
 #include "core/deadline.h"
 #include "core/unique_fd.h"
+#include "ipc/client_connection.h"
 #include "ipc/frame.h"
 #include "ipc/server_listener.h"
 
@@ -77,22 +78,8 @@ public:
     const std::string& Name() const { return m_name; }
 
 private:
-    struct OutFrame {
-        std::vector<uint8_t> bytes;
-        std::vector<UniqueFd> fds;
-    };
-    struct Connection {
-        uint64_t id = 0;
-        UniqueFd fd;
-        bool refused = false;  // a peer of another user: its first frame is refused, then it goes
-        std::mutex sendMutex;  // orders answers: the outbox first, then direct sends
-        std::deque<OutFrame> outbox;
-        std::chrono::steady_clock::time_point outboxSince{};
-        std::atomic<bool> hasOutbox{false};
-    };
-    using ConnectionList = std::vector<std::shared_ptr<Connection>>;
-    // What reading one client gave.
-    enum class ReadOutcome { Nothing, Handled, Request, Parked };
+    using ConnectionList = std::vector<std::shared_ptr<ClientConnection>>;
+    using ReadOutcome = ClientConnection::ReadOutcome;
 
     ServerChannel(std::string name, std::unique_ptr<ServerListener> listener, UniqueFd wakeFd,
                   UniqueFd refreshFd, UniqueFd idleTimerFd);
@@ -102,24 +89,13 @@ private:
     static void Signal(int eventFd);
     static void Clear(int eventFd);
     void AcceptClients();
-    // Reads one frame of `connection` into `buffer`. A request is left in `buffer` and `fds` (or,
-    // when `peekRequests`, left unread in the socket); everything else is answered here.
-    ReadOutcome ReadClient(const std::shared_ptr<Connection>& connection, std::vector<uint8_t>& buffer,
-                           std::vector<UniqueFd>& fds, size_t& length, ParsedFrame& frame, bool peekRequests);
-    void AnswerResolve(Connection& connection, const ParsedFrame& frame);
-    void Refuse(Connection& connection, const uint8_t* packet, size_t length, int code,
-                const std::string& reason);
-    // Sends one frame without waiting; what does not fit now goes to the client's outbox.
-    int SendOrKeep(Connection& connection, std::span<const iovec> parts, std::span<const int> fds);
-    // Sends what waits in the outbox; false when the client has to go (closed, or 5 s without room).
-    bool FlushOutbox(Connection& connection);
     // Builds the poll set of the clients: readable ones for POLLIN, those with an outbox for POLLOUT.
     // Returns the poll timeout that the oldest outbox leaves (-1 for none).
     int PollClients(const ConnectionList& clients, const std::vector<uint64_t>& parked,
                     std::vector<pollfd>& polled) const;
     void Drop(uint64_t id);
     ConnectionList Snapshot(uint64_t& generation);
-    std::shared_ptr<Connection> FindConnection(uint64_t id);
+    std::shared_ptr<ClientConnection> FindConnection(uint64_t id);
     void LeaveReceive();
     void ArmIdleTimer(std::chrono::nanoseconds after);
 
@@ -141,7 +117,7 @@ private:
     uint64_t m_nextClient = 1;
     uint64_t m_generation = 0;  // changes whenever a client comes or goes
     uint64_t m_lastServed = 0;  // the client of the last request received, for the round robin
-    std::map<uint64_t, std::shared_ptr<Connection>> m_connections;
+    std::map<uint64_t, std::shared_ptr<ClientConnection>> m_connections;
 
     // Owned by the receiver of the moment (m_receiverActive).
     std::vector<uint8_t> m_receiveBuffer;
