@@ -189,7 +189,8 @@ int ClientConnection::OutboxMsLeft(Clock::time_point now) {
         return -1;
     }
     std::lock_guard lock(m_sendMutex);
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_outboxSince + kOutboxLimit - now).count();
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(m_outboxSince + kOutboxLimit - now).count();
     return static_cast<int>(std::max<long long>(left, 0));
 }
 
@@ -217,8 +218,8 @@ bool ClientConnection::FlushOutbox() {
         return true;
     }
     if (Clock::now() - m_outboxSince >= kOutboxLimit) {
-        HL_LOG(LogLevel::Warning, "Server {}: client {} does not take its replies; disconnecting it", m_server,
-               m_id);
+        HL_LOG(LogLevel::Warning, "Server {}: client {} does not take its replies; disconnecting it",
+               m_server, m_id);
         return false;
     }
     return true;

@@ -14,7 +14,7 @@
 // Ownership: shared by the channel's set of clients and by whoever works on the client a moment
 // (a receiver, the pump, a reply); `Disconnect` shuts the socket down at once for all of them, the
 // descriptor closes with the last holder.
-// Thread: one reader at a time (the holder of the clients' sockets, see server_channel.h); answers
+// Thread: one reader at a time (the holder of the clients' sockets, see client_turns.h); answers
 // (`Refuse`, `SendResponse`, `FlushOutbox`) from any thread, ordered by the outbox's lock.
 #pragma once
 

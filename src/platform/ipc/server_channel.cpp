@@ -1,11 +1,10 @@
 #include "ipc/server_channel.h"
 
-#include <sys/eventfd.h>
-#include <sys/timerfd.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 
 #include <diagnostics/log.h>
@@ -17,10 +16,27 @@ namespace hos::platform {
 namespace {
 
 using hos::logger::LogLevel;
-using Clock = std::chrono::steady_clock;
+using ReadOutcome = ClientConnection::ReadOutcome;
 
-// How long the serving code may be away from Receive before the pump answers handshakes for it.
-constexpr std::chrono::nanoseconds kPumpTakesOver = std::chrono::milliseconds(2);
+// Adds the clients to the poll set: readable ones for POLLIN, those with an outbox for POLLOUT.
+// Returns the poll timeout that the oldest outbox leaves (-1 for none).
+int PollClients(const ClientTurns::ClientList& clients, const std::vector<uint64_t>& parked,
+                std::vector<pollfd>& polled) {
+    int timeoutMs = -1;
+    const auto now = std::chrono::steady_clock::now();
+    for (const auto& client : clients) {
+        short events = POLLIN;
+        if (const int leftMs = client->OutboxMsLeft(now); leftMs >= 0) {
+            // Nothing more is read from a client until its answers have gone out.
+            events = POLLOUT;
+            timeoutMs = timeoutMs < 0 ? leftMs : std::min(timeoutMs, leftMs);
+        } else if (std::find(parked.begin(), parked.end(), client->Id()) != parked.end()) {
+            events = 0;  // a request waits for the next Receive; only a hang-up is of interest
+        }
+        polled.push_back({client->Fd(), events, 0});
+    }
+    return timeoutMs;
+}
 
 }  // namespace
 
@@ -38,28 +54,19 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, 
     if (!listener) {
         return nullptr;
     }
-    UniqueFd wakeFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    UniqueFd refreshFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    UniqueFd idleTimerFd(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
-    if (!wakeFd.IsValid() || !refreshFd.IsValid() || !idleTimerFd.IsValid()) {
-        HL_LOG(LogLevel::Error, "Server {}: cannot make a socket: {}", name, std::strerror(errno));
-        rc = NK_ENOMEM;
+    auto turns = ClientTurns::Create(name, rc);
+    if (!turns) {
         return nullptr;
     }
-    std::shared_ptr<ServerChannel> channel(new ServerChannel(name, std::move(listener), std::move(wakeFd),
-                                                             std::move(refreshFd), std::move(idleTimerFd)));
+    std::shared_ptr<ServerChannel> channel(new ServerChannel(name, std::move(listener), std::move(turns)));
     channel->m_thread = std::thread([raw = channel.get()] { raw->Run(); });
     rc = NK_EOK;
     return channel;
 }
 
-ServerChannel::ServerChannel(std::string name, std::unique_ptr<ServerListener> listener, UniqueFd wakeFd,
-                             UniqueFd refreshFd, UniqueFd idleTimerFd)
-    : m_name(std::move(name)),
-      m_listener(std::move(listener)),
-      m_wakeFd(std::move(wakeFd)),
-      m_refreshFd(std::move(refreshFd)),
-      m_idleTimerFd(std::move(idleTimerFd)) {}
+ServerChannel::ServerChannel(std::string name, std::unique_ptr<ServerListener> listener,
+                             std::unique_ptr<ClientTurns> turns)
+    : m_name(std::move(name)), m_listener(std::move(listener)), m_turns(std::move(turns)) {}
 
 ServerChannel::~ServerChannel() {
     Shutdown();
@@ -67,102 +74,46 @@ ServerChannel::~ServerChannel() {
 
 void ServerChannel::Shutdown() {
     std::lock_guard shutdownLock(m_shutdownMutex);
-    {
-        std::lock_guard lock(m_mutex);
-        if (m_stopping) {
-            return;
-        }
-        m_stopping = true;
+    if (!m_turns->Stop()) {
+        return;
     }
-    m_roles.notify_all();
-    Signal(m_wakeFd.Get());
-    Signal(m_refreshFd.Get());
     if (m_thread.joinable()) {
         m_thread.join();
     }
-    std::map<uint64_t, std::shared_ptr<ClientConnection>> connections;
-    {
-        std::lock_guard lock(m_mutex);
-        connections.swap(m_connections);
-        ++m_generation;
-    }
-    // A receiver may still hold a client for a moment; shutting the sockets down ends every
-    // client's pending call now rather than when the last holder lets go.
-    for (const auto& [id, connection] : connections) {
-        connection->Disconnect();
-    }
+    m_turns->DropAll();
     m_listener->Close();
-}
-
-void ServerChannel::Signal(int eventFd) {
-    const uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = ::write(eventFd, &one, sizeof(one));
-}
-
-void ServerChannel::Clear(int eventFd) {
-    uint64_t value = 0;
-    [[maybe_unused]] const ssize_t got = ::read(eventFd, &value, sizeof(value));
-}
-
-ServerChannel::ConnectionList ServerChannel::Snapshot(uint64_t& generation) {
-    ConnectionList clients;
-    std::lock_guard lock(m_mutex);
-    generation = m_generation;
-    clients.reserve(m_connections.size());
-    for (const auto& [id, connection] : m_connections) {
-        clients.push_back(connection);
-    }
-    return clients;
-}
-
-int ServerChannel::PollClients(const ConnectionList& clients, const std::vector<uint64_t>& parked,
-                               std::vector<pollfd>& polled) const {
-    int timeoutMs = -1;
-    const auto now = Clock::now();
-    for (const auto& client : clients) {
-        short events = POLLIN;
-        if (const int leftMs = client->OutboxMsLeft(now); leftMs >= 0) {
-            // Nothing more is read from a client until its answers have gone out.
-            events = POLLOUT;
-            timeoutMs = timeoutMs < 0 ? leftMs : std::min(timeoutMs, leftMs);
-        } else if (std::find(parked.begin(), parked.end(), client->Id()) != parked.end()) {
-            events = 0;  // a request waits for the next Receive; only a hang-up is of interest
-        }
-        polled.push_back({client->Fd(), events, 0});
-    }
-    return timeoutMs;
 }
 
 void ServerChannel::Run() {
     std::vector<pollfd> polled;
-    ConnectionList clients;
+    ClientTurns::ClientList clients;
+    uint64_t generation = ~uint64_t{0};
     std::vector<uint64_t> parked;
     std::vector<UniqueFd> fds;
-    uint64_t generation = 0;
+    bool wasReading = false;
     for (;;) {
-        bool reading = false;
-        {
-            std::lock_guard lock(m_mutex);
-            if (m_stopping) {
-                return;
-            }
-            reading = !m_receiverActive && m_pumpMayRead;
-            if (m_pumpReading != reading) {
-                m_pumpReading = reading;
-                parked.clear();
-            }
+        const ClientTurns::PumpRole role = m_turns->PumpTurn();
+        if (role == ClientTurns::PumpRole::Stop) {
+            return;
         }
-        m_roles.notify_all();
+        const bool reading = role == ClientTurns::PumpRole::Read;
+        if (reading != wasReading) {
+            wasReading = reading;
+            parked.clear();
+        }
         polled.clear();
-        polled.push_back({m_wakeFd.Get(), POLLIN, 0});
+        polled.push_back({m_turns->PumpBell(), POLLIN, 0});
         polled.push_back({m_listener->Fd(), POLLIN, 0});
-        polled.push_back({m_idleTimerFd.Get(), POLLIN, 0});
+        polled.push_back({m_turns->IdleTimer(), POLLIN, 0});
         constexpr size_t kFirstClient = 3;
         int timeoutMs = -1;
-        clients.clear();
-        if (reading) {
-            clients = Snapshot(generation);
+        if (!reading) {
+            clients.clear();
+            generation = ~uint64_t{0};
+        } else if (m_turns->Current(clients, generation)) {
             timeoutMs = PollClients(clients, parked, polled);
+        } else {
+            continue;  // stopping: the next turn says so
         }
         if (::poll(polled.data(), polled.size(), timeoutMs) < 0) {
             if (errno == EINTR) {
@@ -172,29 +123,20 @@ void ServerChannel::Run() {
             return;
         }
         if ((polled[0].revents & POLLIN) != 0) {
-            Clear(m_wakeFd.Get());
+            m_turns->ClearPumpBell();
         }
         if ((polled[2].revents & POLLIN) != 0) {
-            Clear(m_idleTimerFd.Get());
-            m_idleTimerArmed.store(false);
-            const auto away =
-                std::chrono::nanoseconds(Clock::now().time_since_epoch().count() - m_leftReceiveAt.load());
-            std::lock_guard lock(m_mutex);
-            if (!m_receiverActive && away >= kPumpTakesOver) {
-                m_pumpMayRead = true;
-            } else if (!m_receiverActive) {
-                ArmIdleTimer(kPumpTakesOver - away);
-            }
+            m_turns->IdleTimerFired();
         }
         if ((polled[1].revents & POLLIN) != 0) {
-            AcceptClients();
+            m_turns->Add(m_listener->Accept());
         }
         for (size_t i = 0; i < clients.size(); ++i) {
             const auto& client = clients[i];
             const short revents = polled[i + kFirstClient].revents;
             if (client->HasOutbox()) {
                 if (!client->FlushOutbox()) {
-                    Drop(client->Id());
+                    m_turns->Drop(client->Id());
                 }
                 continue;
             }
@@ -205,119 +147,32 @@ void ServerChannel::Run() {
                 if (outcome == ReadOutcome::Parked) {
                     parked.push_back(client->Id());
                 } else if (outcome == ReadOutcome::Gone) {
-                    Drop(client->Id());
+                    m_turns->Drop(client->Id());
                 }
             } else if ((revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-                Drop(client->Id());
+                m_turns->Drop(client->Id());
             }
         }
     }
 }
 
-void ServerChannel::AcceptClients() {
-    auto peers = m_listener->Accept();
-    if (peers.empty()) {
-        return;
-    }
-    {
-        std::lock_guard lock(m_mutex);
-        for (auto& peer : peers) {
-            const uint64_t id = m_nextClient++;
-            m_connections.emplace(id, std::make_shared<ClientConnection>(id, std::move(peer.fd), peer.refused,
-                                                                         m_name, [this] {
-                                                                             Signal(m_wakeFd.Get());
-                                                                             Signal(m_refreshFd.Get());
-                                                                         }));
-        }
-        ++m_generation;
-    }
-    Signal(m_refreshFd.Get());
-}
-
-void ServerChannel::Drop(uint64_t id) {
-    std::shared_ptr<ClientConnection> dropped;
-    {
-        std::lock_guard lock(m_mutex);
-        const auto found = m_connections.find(id);
-        if (found == m_connections.end()) {
-            return;
-        }
-        dropped = std::move(found->second);
-        m_connections.erase(found);
-        ++m_generation;
-    }
-    // Others may hold the connection a moment longer; the client learns at once that it is over.
-    dropped->Disconnect();
-}
-
-std::shared_ptr<ClientConnection> ServerChannel::FindConnection(uint64_t id) {
-    std::lock_guard lock(m_mutex);
-    const auto found = m_connections.find(id);
-    return found != m_connections.end() ? found->second : nullptr;
-}
-
-void ServerChannel::LeaveReceive() {
-    {
-        std::lock_guard lock(m_mutex);
-        m_receiverActive = false;
-    }
-    m_roles.notify_all();
-    // The pump answers handshakes again if the serving code stays away for a while. The timer is
-    // set once per period, not per request: when it fires early, the pump sets it again.
-    m_leftReceiveAt.store(Clock::now().time_since_epoch().count());
-    if (!m_idleTimerArmed.load(std::memory_order_relaxed)) {
-        ArmIdleTimer(kPumpTakesOver);
-    }
-}
-
-void ServerChannel::ArmIdleTimer(std::chrono::nanoseconds after) {
-    m_idleTimerArmed.store(true);
-    itimerspec idle{};
-    idle.it_value.tv_sec = static_cast<time_t>(after.count() / 1'000'000'000);
-    idle.it_value.tv_nsec = std::max<long>(static_cast<long>(after.count() % 1'000'000'000), 1);
-    ::timerfd_settime(m_idleTimerFd.Get(), 0, &idle, nullptr);
-}
-
 int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline& deadline, Pending& pending) {
-    {
-        std::unique_lock lock(m_mutex);
-        const auto myTurn = [this] { return m_stopping || !m_receiverActive; };
-        if (deadline.IsInfinite()) {
-            m_roles.wait(lock, myTurn);
-        } else if (!m_roles.wait_until(lock, deadline.TimePoint(), myTurn)) {
-            return NK_TRANSPORT_TIMEOUT;
-        }
-        if (m_stopping) {
-            return NK_ECLOSED;
-        }
-        m_receiverActive = true;
-        m_pumpMayRead = false;
-        if (m_pumpReading) {
-            Signal(m_wakeFd.Get());
-            m_roles.wait(lock, [this] { return m_stopping || !m_pumpReading; });
-        }
+    if (const int rc = m_turns->EnterReceive(deadline); rc != NK_EOK) {
+        return rc;
     }
     struct Leave {
-        ServerChannel* self;
-        ~Leave() { self->LeaveReceive(); }
-    } leave{this};
+        ClientTurns& turns;
+        ~Leave() { turns.LeaveReceive(); }
+    } leave{*m_turns};
 
     std::vector<UniqueFd> fds;
     const std::vector<uint64_t> noneParked;
     for (;;) {
-        uint64_t generation = 0;
-        {
-            std::lock_guard lock(m_mutex);
-            if (m_stopping) {
-                return NK_ECLOSED;
-            }
-            generation = m_generation;
-        }
-        if (generation != m_receiveGeneration) {
-            m_receiveClients = Snapshot(m_receiveGeneration);
+        if (!m_turns->Current(m_receiveClients, m_receiveGeneration)) {
+            return NK_ECLOSED;
         }
         m_receivePolled.clear();
-        m_receivePolled.push_back({m_refreshFd.Get(), POLLIN, 0});
+        m_receivePolled.push_back({m_turns->ReceiverBell(), POLLIN, 0});
         const int outboxMs = PollClients(m_receiveClients, noneParked, m_receivePolled);
         const int deadlineMs = deadline.RemainingPollMs();
         const int timeoutMs = outboxMs < 0     ? deadlineMs
@@ -337,27 +192,23 @@ int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline&
             }
         }
         if ((m_receivePolled[0].revents & POLLIN) != 0) {
-            Clear(m_refreshFd.Get());
+            m_turns->ClearReceiverBell();
         }
         // Clients in turn, starting after the one served last: one request each per round.
         const size_t count = m_receiveClients.size();
-        size_t start = 0;
-        while (start < count && m_receiveClients[start]->Id() <= m_lastServed) {
-            ++start;
-        }
+        const size_t start = m_turns->FirstInTurn(m_receiveClients);
         for (size_t k = 0; k < count; ++k) {
-            const size_t i = (start + k) % count;
-            const auto& client = m_receiveClients[i];
-            const short revents = m_receivePolled[i + 1].revents;
+            const auto& client = m_receiveClients[(start + k) % count];
+            const short revents = m_receivePolled[(start + k) % count + 1].revents;
             if (client->HasOutbox()) {
                 if (!client->FlushOutbox()) {
-                    Drop(client->Id());
+                    m_turns->Drop(client->Id());
                 }
                 continue;
             }
             if ((revents & POLLIN) == 0) {
                 if ((revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-                    Drop(client->Id());
+                    m_turns->Drop(client->Id());
                 }
                 continue;
             }
@@ -365,14 +216,14 @@ int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline&
             ParsedFrame frame;
             const ReadOutcome outcome = client->Read(m_receiveBuffer, fds, length, frame, false);
             if (outcome == ReadOutcome::Gone) {
-                Drop(client->Id());
+                m_turns->Drop(client->Id());
             }
             if (outcome != ReadOutcome::Request) {
                 continue;
             }
             std::string reason;
             const int rc = DeliverFrame(frame, fds, request, arena, reason);
-            m_lastServed = client->Id();
+            m_turns->Served(client->Id());
             if (rc == NK_EOK) {
                 pending.client = client->Id();
                 pending.sequence = frame.header.sequence;
@@ -384,7 +235,7 @@ int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline&
 }
 
 int ServerChannel::Reply(const Pending& pending, const nk_message* response, const nk_arena* arena) {
-    const auto connection = FindConnection(pending.client);
+    const auto connection = m_turns->Find(pending.client);
     if (!connection) {
         HL_LOG(LogLevel::Debug, "Server {}: client {} has gone before its reply", m_name, pending.client);
         return NK_ECLOSED;

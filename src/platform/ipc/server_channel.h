@@ -16,6 +16,10 @@
 // waits in that client's outbox, and the client is not read from until the outbox has gone out; a
 // client that takes nothing for 5 seconds is disconnected.
 //
+// The channel puts three parts together and runs the loops of their two readers (the pump's and
+// the receiver's): the listening socket (server_listener.h), each client with its outbox
+// (client_connection.h), and the clients with whose turn it is to read them (client_turns.h).
+//
 // Ownership: shared by the handle that names it and by calls running on it. `Shutdown` (on
 // KnHandleClose, or destruction) stops the pump, disconnects every client at once, wakes a
 // receiver and removes the socket file if it is still ours.
@@ -24,17 +28,10 @@
 
 #include <poll.h>
 #include <sys/types.h>
-#include <sys/uio.h>
 
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -43,8 +40,7 @@
 
 #include "core/deadline.h"
 #include "core/unique_fd.h"
-#include "ipc/client_connection.h"
-#include "ipc/frame.h"
+#include "ipc/client_turns.h"
 #include "ipc/server_listener.h"
 
 namespace hos::platform {
@@ -78,50 +74,21 @@ public:
     const std::string& Name() const { return m_name; }
 
 private:
-    using ConnectionList = std::vector<std::shared_ptr<ClientConnection>>;
-    using ReadOutcome = ClientConnection::ReadOutcome;
-
-    ServerChannel(std::string name, std::unique_ptr<ServerListener> listener, UniqueFd wakeFd,
-                  UniqueFd refreshFd, UniqueFd idleTimerFd);
+    ServerChannel(std::string name, std::unique_ptr<ServerListener> listener,
+                  std::unique_ptr<ClientTurns> turns);
     static std::shared_ptr<ServerChannel> OpenImpl(const std::string& name, uid_t allowedUid, int& rc);
 
+    // The pump thread.
     void Run();
-    static void Signal(int eventFd);
-    static void Clear(int eventFd);
-    void AcceptClients();
-    // Builds the poll set of the clients: readable ones for POLLIN, those with an outbox for POLLOUT.
-    // Returns the poll timeout that the oldest outbox leaves (-1 for none).
-    int PollClients(const ConnectionList& clients, const std::vector<uint64_t>& parked,
-                    std::vector<pollfd>& polled) const;
-    void Drop(uint64_t id);
-    ConnectionList Snapshot(uint64_t& generation);
-    std::shared_ptr<ClientConnection> FindConnection(uint64_t id);
-    void LeaveReceive();
-    void ArmIdleTimer(std::chrono::nanoseconds after);
 
     const std::string m_name;
     const std::unique_ptr<ServerListener> m_listener;
-    UniqueFd m_wakeFd;       // wakes the pump
-    UniqueFd m_refreshFd;    // tells a receiver that the clients changed or the channel stops
-    UniqueFd m_idleTimerFd;  // fires when no receiver has run for a while: the pump reads then
+    const std::unique_ptr<ClientTurns> m_turns;
     std::vector<uint8_t> m_pumpBuffer;
-    std::atomic<bool> m_idleTimerArmed{false};
-    std::atomic<int64_t> m_leftReceiveAt{0};  // steady clock, nanoseconds
 
-    std::mutex m_mutex;
-    std::condition_variable m_roles;
-    bool m_stopping = false;
-    bool m_receiverActive = false;  // a Receive holds the clients' sockets
-    bool m_pumpMayRead = true;      // no Receive has run for a while
-    bool m_pumpReading = false;     // the pump holds the clients' sockets
-    uint64_t m_nextClient = 1;
-    uint64_t m_generation = 0;  // changes whenever a client comes or goes
-    uint64_t m_lastServed = 0;  // the client of the last request received, for the round robin
-    std::map<uint64_t, std::shared_ptr<ClientConnection>> m_connections;
-
-    // Owned by the receiver of the moment (m_receiverActive).
+    // Owned by the receiver holding the clients' sockets.
     std::vector<uint8_t> m_receiveBuffer;
-    ConnectionList m_receiveClients;
+    ClientTurns::ClientList m_receiveClients;
     uint64_t m_receiveGeneration = ~uint64_t{0};
     std::vector<pollfd> m_receivePolled;
 
