@@ -65,7 +65,7 @@ void ClientTurns::ClearPumpBell() const {
     Clear(m_pumpBell.Get());
 }
 
-int ClientTurns::EnterReceive(const Deadline& deadline) {
+int ClientTurns::EnterReceive(const Deadline& deadline, ClientList& clients, uint64_t& generation) {
     std::unique_lock lock(m_mutex);
     const auto myTurn = [this] { return m_holder != Holder::Receiver && m_holder != Holder::ToReceiver; };
     if (deadline.IsInfinite()) {
@@ -78,13 +78,18 @@ int ClientTurns::EnterReceive(const Deadline& deadline) {
             return NK_ECLOSED;
         case Holder::Nobody:
             m_holder = Holder::Receiver;
+            CopyClients(clients, generation);
             return NK_EOK;
         case Holder::Pump:
             // The pump may be polling the sockets: it lets go at the top of its next round.
             m_holder = Holder::ToReceiver;
             Ring(m_pumpBell.Get());
             m_turnChanged.wait(lock, [this] { return m_holder != Holder::ToReceiver; });
-            return m_holder == Holder::Receiver ? NK_EOK : NK_ECLOSED;
+            if (m_holder != Holder::Receiver) {
+                return NK_ECLOSED;
+            }
+            CopyClients(clients, generation);
+            return NK_EOK;
         case Holder::ToReceiver:
         case Holder::Receiver:
             break;
@@ -185,15 +190,20 @@ bool ClientTurns::Current(ClientList& clients, uint64_t& generation) {
     if (m_holder == Holder::Stopping) {
         return false;
     }
-    if (generation != m_generation) {
-        generation = m_generation;
-        clients.clear();
-        clients.reserve(m_clients.size());
-        for (const auto& [id, client] : m_clients) {
-            clients.push_back(client);
-        }
-    }
+    CopyClients(clients, generation);
     return true;
+}
+
+void ClientTurns::CopyClients(ClientList& clients, uint64_t& generation) const {
+    if (generation == m_generation) {
+        return;
+    }
+    generation = m_generation;
+    clients.clear();
+    clients.reserve(m_clients.size());
+    for (const auto& [id, client] : m_clients) {
+        clients.push_back(client);
+    }
 }
 
 std::shared_ptr<ClientConnection> ClientTurns::Find(uint64_t id) {
@@ -230,14 +240,6 @@ void ClientTurns::DropAll() {
     for (const auto& [id, client] : clients) {
         client->Disconnect();
     }
-}
-
-size_t ClientTurns::FirstInTurn(const ClientList& clients) const {
-    size_t start = 0;
-    while (start < clients.size() && clients[start]->Id() <= m_lastServed) {
-        ++start;
-    }
-    return start;
 }
 
 }  // namespace hos::platform

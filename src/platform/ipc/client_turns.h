@@ -55,9 +55,10 @@ public:
     ClientTurns(const ClientTurns&) = delete;
     ClientTurns& operator=(const ClientTurns&) = delete;
 
-    // Waits until `deadline` for the receiver's turn and takes it. Returns 0 (the caller holds the
-    // sockets until LeaveReceive), NK_TRANSPORT_TIMEOUT, or NK_ECLOSED when stopping.
-    int EnterReceive(const Deadline& deadline);
+    // Waits until `deadline` for the receiver's turn and takes it, bringing `clients` up to date as
+    // `Current` does. Returns 0 (the caller holds the sockets until LeaveReceive),
+    // NK_TRANSPORT_TIMEOUT, or NK_ECLOSED when stopping.
+    int EnterReceive(const Deadline& deadline, ClientList& clients, uint64_t& generation);
     void LeaveReceive();
     int ReceiverBell() const { return m_receiverBell.Get(); }
     void ClearReceiverBell() const;
@@ -81,7 +82,13 @@ public:
     // Disconnects every client at once (when the channel stops).
     void DropAll();
     // The index in `clients` of the first to read: the one after the client served last.
-    size_t FirstInTurn(const ClientList& clients) const;
+    size_t FirstInTurn(const ClientList& clients) const {
+        size_t start = 0;
+        while (start < clients.size() && clients[start]->Id() <= m_lastServed) {
+            ++start;
+        }
+        return start;
+    }
     void Served(uint64_t id) { m_lastServed = id; }
 
 private:
@@ -89,6 +96,8 @@ private:
 
     ClientTurns(std::string server, UniqueFd pumpBell, UniqueFd receiverBell, UniqueFd idleTimer);
     void RingBoth() const;
+    // Under m_mutex.
+    void CopyClients(ClientList& clients, uint64_t& generation) const;
     void ArmIdleTimer(std::chrono::nanoseconds after);
 
     const std::string m_server;

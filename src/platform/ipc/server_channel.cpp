@@ -26,7 +26,7 @@ int PollClients(const ClientTurns::ClientList& clients, const std::vector<uint64
     const auto now = std::chrono::steady_clock::now();
     for (const auto& client : clients) {
         short events = POLLIN;
-        if (const int leftMs = client->OutboxMsLeft(now); leftMs >= 0) {
+        if (const int leftMs = client->HasOutbox() ? client->OutboxMsLeft(now) : -1; leftMs >= 0) {
             // Nothing more is read from a client until its answers have gone out.
             events = POLLOUT;
             timeoutMs = timeoutMs < 0 ? leftMs : std::min(timeoutMs, leftMs);
@@ -157,7 +157,8 @@ void ServerChannel::Run() {
 }
 
 int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline& deadline, Pending& pending) {
-    if (const int rc = m_turns->EnterReceive(deadline); rc != NK_EOK) {
+    // Taking the turn also brings the clients up to date, so the first round needs no other look.
+    if (const int rc = m_turns->EnterReceive(deadline, m_receiveClients, m_receiveGeneration); rc != NK_EOK) {
         return rc;
     }
     struct Leave {
@@ -167,8 +168,8 @@ int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline&
 
     std::vector<UniqueFd> fds;
     const std::vector<uint64_t> noneParked;
-    for (;;) {
-        if (!m_turns->Current(m_receiveClients, m_receiveGeneration)) {
+    for (bool first = true;; first = false) {
+        if (!first && !m_turns->Current(m_receiveClients, m_receiveGeneration)) {
             return NK_ECLOSED;
         }
         m_receivePolled.clear();
