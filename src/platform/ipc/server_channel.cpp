@@ -1,51 +1,41 @@
 #include "ipc/server_channel.h"
 
-#include <fcntl.h>
-#include <sys/eventfd.h>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/timerfd.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 
 #include <diagnostics/log.h>
 #include <platform/nk_result.h>
-#include <platform/runtime_directory.h>
 
 #include "ipc/message_codec.h"
-#include "ipc/packet_io.h"
-#include "task/task.h"
 
 namespace hos::platform {
 namespace {
 
 using hos::logger::LogLevel;
-using Clock = std::chrono::steady_clock;
+using ReadOutcome = ClientConnection::ReadOutcome;
 
-// How long the serving code may be away from Receive before the pump answers handshakes for it.
-constexpr std::chrono::nanoseconds kPumpTakesOver = std::chrono::milliseconds(2);
-// How long a client may leave its answers unread before it is disconnected.
-constexpr auto kOutboxLimit = std::chrono::seconds(5);
-
-sockaddr_un MakeAddress(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-    return address;
-}
-
-// True when a live server answers on `path`.
-bool IsServed(const sockaddr_un& address) {
-    UniqueFd probe = MakeSeqPacketSocket();
-    if (!probe.IsValid()) {
-        return false;
+// Adds the clients to the poll set: readable ones for POLLIN, those with an outbox for POLLOUT.
+// Returns the poll timeout that the oldest outbox leaves (-1 for none).
+int PollClients(const ClientTurns::ClientList& clients, const std::vector<uint64_t>& parked,
+                std::vector<pollfd>& polled) {
+    int timeoutMs = -1;
+    const auto now = std::chrono::steady_clock::now();
+    for (const auto& client : clients) {
+        short events = POLLIN;
+        if (const int leftMs = client->HasOutbox() ? client->OutboxMsLeft(now) : -1; leftMs >= 0) {
+            // Nothing more is read from a client until its answers have gone out.
+            events = POLLOUT;
+            timeoutMs = timeoutMs < 0 ? leftMs : std::min(timeoutMs, leftMs);
+        } else if (std::find(parked.begin(), parked.end(), client->Id()) != parked.end()) {
+            events = 0;  // a request waits for the next Receive; only a hang-up is of interest
+        }
+        polled.push_back({client->Fd(), events, 0});
     }
-    const int rc = ::connect(probe.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address));
-    return rc == 0 || errno == EAGAIN;
+    return timeoutMs;
 }
 
 }  // namespace
@@ -60,81 +50,23 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenForTesting(const std::string& 
 }
 
 std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, uid_t allowedUid, int& rc) {
-    const auto root = runtime_directory::Ensure();
-    if (!root) {
-        rc = NK_EFAIL;
+    auto listener = ServerListener::Bind(name, allowedUid, rc);
+    if (!listener) {
         return nullptr;
     }
-    const auto path = runtime_directory::ServerSocketPath(*root, name);
-    if (!path) {
-        rc = NK_EINVAL;
+    auto turns = ClientTurns::Create(name, rc);
+    if (!turns) {
         return nullptr;
     }
-    UniqueFd listenFd = MakeSeqPacketSocket();
-    UniqueFd wakeFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    UniqueFd refreshFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    UniqueFd idleTimerFd(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
-    if (!listenFd.IsValid() || !wakeFd.IsValid() || !refreshFd.IsValid() || !idleTimerFd.IsValid()) {
-        HL_LOG(LogLevel::Error, "Server {}: cannot make a socket: {}", name, std::strerror(errno));
-        rc = NK_ENOMEM;
-        return nullptr;
-    }
-    const sockaddr_un address = MakeAddress(*path);
-    if (::bind(listenFd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        if (errno != EADDRINUSE) {
-            HL_LOG(LogLevel::Error, "Server {}: cannot bind {}: {}", name, *path, std::strerror(errno));
-            rc = NK_EFAIL;
-            return nullptr;
-        }
-        // Only a socket of our own user is taken over: a file another user planted stays as it is.
-        struct stat existing {};
-        if (::lstat(path->c_str(), &existing) != 0 || !S_ISSOCK(existing.st_mode) ||
-            existing.st_uid != ::geteuid()) {
-            HL_LOG(LogLevel::Error, "Server {}: {} is not a socket of uid {}; it is left alone", name, *path,
-                   ::geteuid());
-            rc = NK_EACCESS;
-            return nullptr;
-        }
-        if (IsServed(address)) {
-            HL_LOG(LogLevel::Error, "Server {}: the name is in use by a live server", name);
-            rc = NK_EBUSY;
-            return nullptr;
-        }
-        // The socket file of a server that has died: take the name over.
-        ::unlink(path->c_str());
-        if (::bind(listenFd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-            HL_LOG(LogLevel::Error, "Server {}: cannot bind {}: {}", name, *path, std::strerror(errno));
-            rc = errno == EADDRINUSE ? NK_EBUSY : NK_EFAIL;
-            return nullptr;
-        }
-    }
-    ::chmod(path->c_str(), 0600);
-    struct stat info {};
-    ::lstat(path->c_str(), &info);
-    if (::listen(listenFd.Get(), 128) != 0) {
-        HL_LOG(LogLevel::Error, "Server {}: cannot listen: {}", name, std::strerror(errno));
-        ::unlink(path->c_str());
-        rc = NK_EFAIL;
-        return nullptr;
-    }
-    std::shared_ptr<ServerChannel> channel(new ServerChannel(name, *path, info.st_ino, allowedUid,
-                                                             std::move(listenFd), std::move(wakeFd),
-                                                             std::move(refreshFd), std::move(idleTimerFd)));
+    std::shared_ptr<ServerChannel> channel(new ServerChannel(name, std::move(listener), std::move(turns)));
     channel->m_thread = std::thread([raw = channel.get()] { raw->Run(); });
     rc = NK_EOK;
     return channel;
 }
 
-ServerChannel::ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid,
-                             UniqueFd listenFd, UniqueFd wakeFd, UniqueFd refreshFd, UniqueFd idleTimerFd)
-    : m_name(std::move(name)),
-      m_path(std::move(path)),
-      m_inode(inode),
-      m_allowedUid(allowedUid),
-      m_listenFd(std::move(listenFd)),
-      m_wakeFd(std::move(wakeFd)),
-      m_refreshFd(std::move(refreshFd)),
-      m_idleTimerFd(std::move(idleTimerFd)) {}
+ServerChannel::ServerChannel(std::string name, std::unique_ptr<ServerListener> listener,
+                             std::unique_ptr<ClientTurns> turns)
+    : m_name(std::move(name)), m_listener(std::move(listener)), m_turns(std::move(turns)) {}
 
 ServerChannel::~ServerChannel() {
     Shutdown();
@@ -142,111 +74,46 @@ ServerChannel::~ServerChannel() {
 
 void ServerChannel::Shutdown() {
     std::lock_guard shutdownLock(m_shutdownMutex);
-    {
-        std::lock_guard lock(m_mutex);
-        if (m_stopping) {
-            return;
-        }
-        m_stopping = true;
+    if (!m_turns->Stop()) {
+        return;
     }
-    m_roles.notify_all();
-    Signal(m_wakeFd.Get());
-    Signal(m_refreshFd.Get());
     if (m_thread.joinable()) {
         m_thread.join();
     }
-    std::map<uint64_t, std::shared_ptr<Connection>> connections;
-    {
-        std::lock_guard lock(m_mutex);
-        connections.swap(m_connections);
-        ++m_generation;
-    }
-    // A receiver may still hold a client for a moment; shutting the sockets down ends every
-    // client's pending call now rather than when the last holder lets go.
-    for (const auto& [id, connection] : connections) {
-        ::shutdown(connection->fd.Get(), SHUT_RDWR);
-    }
-    struct stat info {};
-    if (::lstat(m_path.c_str(), &info) == 0 && info.st_ino == m_inode) {
-        ::unlink(m_path.c_str());
-    }
-    m_listenFd.Reset();
-}
-
-void ServerChannel::Signal(int eventFd) {
-    const uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = ::write(eventFd, &one, sizeof(one));
-}
-
-void ServerChannel::Clear(int eventFd) {
-    uint64_t value = 0;
-    [[maybe_unused]] const ssize_t got = ::read(eventFd, &value, sizeof(value));
-}
-
-ServerChannel::ConnectionList ServerChannel::Snapshot(uint64_t& generation) {
-    ConnectionList clients;
-    std::lock_guard lock(m_mutex);
-    generation = m_generation;
-    clients.reserve(m_connections.size());
-    for (const auto& [id, connection] : m_connections) {
-        clients.push_back(connection);
-    }
-    return clients;
-}
-
-int ServerChannel::PollClients(const ConnectionList& clients, const std::vector<uint64_t>& parked,
-                               std::vector<pollfd>& polled) const {
-    int timeoutMs = -1;
-    const auto now = Clock::now();
-    for (const auto& client : clients) {
-        short events = POLLIN;
-        if (client->hasOutbox.load(std::memory_order_acquire)) {
-            // Nothing more is read from a client until its answers have gone out.
-            events = POLLOUT;
-            std::lock_guard lock(client->sendMutex);
-            const auto left =
-                std::chrono::ceil<std::chrono::milliseconds>(client->outboxSince + kOutboxLimit - now)
-                    .count();
-            const int leftMs = static_cast<int>(std::max<long long>(left, 0));
-            timeoutMs = timeoutMs < 0 ? leftMs : std::min(timeoutMs, leftMs);
-        } else if (std::find(parked.begin(), parked.end(), client->id) != parked.end()) {
-            events = 0;  // a request waits for the next Receive; only a hang-up is of interest
-        }
-        polled.push_back({client->fd.Get(), events, 0});
-    }
-    return timeoutMs;
+    m_turns->DropAll();
+    m_listener->Close();
 }
 
 void ServerChannel::Run() {
     std::vector<pollfd> polled;
-    ConnectionList clients;
+    ClientTurns::ClientList clients;
+    uint64_t generation = ~uint64_t{0};
     std::vector<uint64_t> parked;
     std::vector<UniqueFd> fds;
-    uint64_t generation = 0;
+    bool wasReading = false;
     for (;;) {
-        bool reading = false;
-        {
-            std::lock_guard lock(m_mutex);
-            if (m_stopping) {
-                return;
-            }
-            reading = !m_receiverActive && m_pumpMayRead;
-            if (m_pumpReading != reading) {
-                m_pumpReading = reading;
-                parked.clear();
-            }
+        const ClientTurns::PumpRole role = m_turns->PumpTurn();
+        if (role == ClientTurns::PumpRole::Stop) {
+            return;
         }
-        m_roles.notify_all();
+        const bool reading = role == ClientTurns::PumpRole::Read;
+        if (reading != wasReading) {
+            wasReading = reading;
+            parked.clear();
+        }
         polled.clear();
-        polled.push_back({m_wakeFd.Get(), POLLIN, 0});
-        polled.push_back({m_listenFd.Get(), POLLIN, 0});
-        polled.push_back({m_idleTimerFd.Get(), POLLIN, 0});
+        polled.push_back({m_turns->PumpBell(), POLLIN, 0});
+        polled.push_back({m_listener->Fd(), POLLIN, 0});
+        polled.push_back({m_turns->IdleTimer(), POLLIN, 0});
         constexpr size_t kFirstClient = 3;
         int timeoutMs = -1;
-        clients.clear();
-        if (reading) {
-            clients = Snapshot(generation);
+        if (!reading) {
+            clients.clear();
+            generation = ~uint64_t{0};
+        } else if (m_turns->Current(clients, generation)) {
             timeoutMs = PollClients(clients, parked, polled);
+        } else {
+            continue;  // stopping: the next turn says so
         }
         if (::poll(polled.data(), polled.size(), timeoutMs) < 0) {
             if (errno == EINTR) {
@@ -256,332 +123,57 @@ void ServerChannel::Run() {
             return;
         }
         if ((polled[0].revents & POLLIN) != 0) {
-            Clear(m_wakeFd.Get());
+            m_turns->ClearPumpBell();
         }
         if ((polled[2].revents & POLLIN) != 0) {
-            Clear(m_idleTimerFd.Get());
-            m_idleTimerArmed.store(false);
-            const auto away =
-                std::chrono::nanoseconds(Clock::now().time_since_epoch().count() - m_leftReceiveAt.load());
-            std::lock_guard lock(m_mutex);
-            if (!m_receiverActive && away >= kPumpTakesOver) {
-                m_pumpMayRead = true;
-            } else if (!m_receiverActive) {
-                ArmIdleTimer(kPumpTakesOver - away);
-            }
+            m_turns->IdleTimerFired();
         }
         if ((polled[1].revents & POLLIN) != 0) {
-            AcceptClients();
+            m_turns->Add(m_listener->Accept());
         }
         for (size_t i = 0; i < clients.size(); ++i) {
             const auto& client = clients[i];
             const short revents = polled[i + kFirstClient].revents;
-            if (client->hasOutbox.load(std::memory_order_acquire)) {
-                if (!FlushOutbox(*client)) {
-                    Drop(client->id);
+            if (client->HasOutbox()) {
+                if (!client->FlushOutbox()) {
+                    m_turns->Drop(client->Id());
                 }
                 continue;
             }
             if ((revents & POLLIN) != 0) {
                 size_t length = 0;
                 ParsedFrame frame;
-                if (ReadClient(client, m_pumpBuffer, fds, length, frame, true) == ReadOutcome::Parked) {
-                    parked.push_back(client->id);
+                const ReadOutcome outcome = client->Read(m_pumpBuffer, fds, length, frame, true);
+                if (outcome == ReadOutcome::Parked) {
+                    parked.push_back(client->Id());
+                } else if (outcome == ReadOutcome::Gone) {
+                    m_turns->Drop(client->Id());
                 }
             } else if ((revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-                Drop(client->id);
+                m_turns->Drop(client->Id());
             }
         }
     }
-}
-
-void ServerChannel::AcceptClients() {
-    bool accepted = false;
-    for (;;) {
-        UniqueFd fd(::accept4(m_listenFd.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-        if (!fd.IsValid()) {
-            if (errno == EINTR || errno == ECONNABORTED) {
-                continue;
-            }
-            if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
-                // The client stays in the backlog; pausing keeps the pump from spinning on it.
-                HL_LOG(LogLevel::Error, "Server {}: cannot accept a client: {}", m_name,
-                       std::strerror(errno));
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            }
-            break;
-        }
-        ucred credentials{};
-        socklen_t length = sizeof(credentials);
-        if (::getsockopt(fd.Get(), SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
-            HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown", m_name);
-            continue;
-        }
-        auto connection = std::make_shared<Connection>();
-        connection->fd = std::move(fd);
-        if (credentials.uid != m_allowedUid) {
-            HL_LOG(LogLevel::Warning,
-                   "Server {}: refusing a peer of uid {} (pid {}): only uid {} may connect", m_name,
-                   credentials.uid, credentials.pid, m_allowedUid);
-            // Kept until its first frame has been read and refused: closing a socket with unread
-            // data would reset the peer before it could read why.
-            connection->refused = true;
-        }
-        TuneSocketBuffers(connection->fd.Get());
-        std::lock_guard lock(m_mutex);
-        connection->id = m_nextClient++;
-        m_connections.emplace(connection->id, std::move(connection));
-        ++m_generation;
-        accepted = true;
-    }
-    if (accepted) {
-        Signal(m_refreshFd.Get());
-    }
-}
-
-ServerChannel::ReadOutcome ServerChannel::ReadClient(const std::shared_ptr<Connection>& connection,
-                                                     std::vector<uint8_t>& buffer, std::vector<UniqueFd>& fds,
-                                                     size_t& length, ParsedFrame& frame, bool peekRequests) {
-    if (peekRequests && !connection->refused) {
-        uint8_t head[NK_MESSAGE_HEADER_SIZE];
-        const ssize_t got = ::recv(connection->fd.Get(), head, sizeof(head), MSG_PEEK | MSG_DONTWAIT);
-        if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)) {
-            return ReadOutcome::Nothing;
-        }
-        if (got == static_cast<ssize_t>(sizeof(head)) && DecodeHeader(head).kind == FrameKind::Request) {
-            return ReadOutcome::Parked;
-        }
-    }
-    const ReadResult read = ReadPacket(connection->fd.Get(), buffer, fds);
-    if (connection->refused && read.status != ReadStatus::WouldBlock) {
-        if (read.status != ReadStatus::Closed && read.status != ReadStatus::Failed) {
-            Refuse(*connection, buffer.data(), read.length, NK_EACCESS, "peer of another user");
-        }
-        Drop(connection->id);
-        return ReadOutcome::Handled;
-    }
-    switch (read.status) {
-        case ReadStatus::WouldBlock:
-            return ReadOutcome::Nothing;
-        case ReadStatus::Closed:
-        case ReadStatus::Failed:
-            Drop(connection->id);
-            return ReadOutcome::Handled;
-        case ReadStatus::Oversized:
-            Refuse(*connection, buffer.data(), kMaxFrameSize, NK_ETOOBIG,
-                   "frame larger than " + std::to_string(kMaxFrameSize) + " bytes");
-            return ReadOutcome::Handled;
-        case ReadStatus::TooManyFds:
-            Refuse(*connection, buffer.data(), read.length, NK_ETOOBIG, "too many passed handles");
-            return ReadOutcome::Handled;
-        case ReadStatus::Packet:
-            break;
-    }
-    std::string reason;
-    const int rc =
-        ParseFrame(std::span<const uint8_t>(buffer.data(), read.length), fds.size(), frame, reason);
-    if (rc != NK_EOK) {
-        Refuse(*connection, buffer.data(), read.length, rc, reason);
-        return ReadOutcome::Handled;
-    }
-    if (frame.header.kind == FrameKind::Resolve) {
-        AnswerResolve(*connection, frame);
-        return ReadOutcome::Handled;
-    }
-    if (frame.header.kind != FrameKind::Request) {
-        Refuse(*connection, buffer.data(), read.length, NK_EBADMSG,
-               "unexpected frame kind " + std::to_string(static_cast<int>(frame.header.kind)));
-        return ReadOutcome::Handled;
-    }
-    length = read.length;
-    return ReadOutcome::Request;
-}
-
-void ServerChannel::AnswerResolve(Connection& connection, const ParsedFrame& frame) {
-    const std::string_view name(reinterpret_cast<const char*>(frame.arena.data()), frame.arena.size());
-    const int riid = Task::Self().Resolve(name);
-    if (riid < 0) {
-        HL_LOG(LogLevel::Info, "Server {}: no endpoint answers to \"{}\"", m_name, name);
-    }
-    FrameHeader answer;
-    answer.kind = FrameKind::Resolved;
-    answer.iid = NK_IID_ANY;
-    answer.sequence = frame.header.sequence;
-    answer.result = riid < 0 ? riid : NK_EOK;
-    const uint32_t riidField = riid < 0 ? NK_INVALID_RIID : static_cast<uint32_t>(riid);
-    uint8_t body[sizeof(riidField)];
-    std::memcpy(body, &riidField, sizeof(riidField));
-    OutgoingPacket out;
-    PrepareBare(answer, body, {}, out);
-    SendOrKeep(connection, std::span(out.parts.data(), out.partCount), {});
-}
-
-void ServerChannel::Refuse(Connection& connection, const uint8_t* packet, size_t length, int code,
-                           const std::string& reason) {
-    HL_LOG(LogLevel::Warning, "Server {}: refused a frame from client {}: {} ({:#x})", m_name, connection.id,
-           reason, static_cast<uint32_t>(code));
-    FrameHeader answer;
-    answer.kind = FrameKind::Refused;
-    if (packet != nullptr && length >= NK_MESSAGE_HEADER_SIZE) {
-        const FrameHeader offending = DecodeHeader(packet);
-        answer.iid = offending.iid;
-        answer.mid = offending.mid;
-        answer.sequence = offending.sequence;
-    }
-    answer.result = code;
-    OutgoingPacket out;
-    PrepareBare(answer, {}, {}, out);
-    SendOrKeep(connection, std::span(out.parts.data(), out.partCount), {});
-}
-
-int ServerChannel::SendOrKeep(Connection& connection, std::span<const iovec> parts,
-                              std::span<const int> fds) {
-    std::lock_guard lock(connection.sendMutex);
-    if (connection.outbox.empty()) {
-        const int rc = SendPacket(connection.fd.Get(), parts, fds, Deadline::FromTimeoutMs(0));
-        if (rc != NK_TRANSPORT_TIMEOUT) {
-            return rc;
-        }
-    }
-    // No room now: the frame waits, and the client is not read from until it has gone out.
-    OutFrame frame;
-    for (const auto& part : parts) {
-        const auto* bytes = static_cast<const uint8_t*>(part.iov_base);
-        frame.bytes.insert(frame.bytes.end(), bytes, bytes + part.iov_len);
-    }
-    for (const int fd : fds) {
-        UniqueFd copy(::fcntl(fd, F_DUPFD_CLOEXEC, 0));
-        if (!copy.IsValid()) {
-            return NK_ENOMEM;
-        }
-        frame.fds.push_back(std::move(copy));
-    }
-    if (connection.outbox.empty()) {
-        connection.outboxSince = Clock::now();
-    }
-    connection.outbox.push_back(std::move(frame));
-    connection.hasOutbox.store(true, std::memory_order_release);
-    // Whoever reads the clients now polls this one for room.
-    Signal(m_wakeFd.Get());
-    Signal(m_refreshFd.Get());
-    return NK_EOK;
-}
-
-bool ServerChannel::FlushOutbox(Connection& connection) {
-    std::lock_guard lock(connection.sendMutex);
-    while (!connection.outbox.empty()) {
-        OutFrame& frame = connection.outbox.front();
-        std::vector<int> fds;
-        for (const auto& fd : frame.fds) {
-            fds.push_back(fd.Get());
-        }
-        const iovec part{frame.bytes.data(), frame.bytes.size()};
-        const int rc = SendPacket(connection.fd.Get(), std::span(&part, 1), fds, Deadline::FromTimeoutMs(0));
-        if (rc == NK_TRANSPORT_TIMEOUT) {
-            break;
-        }
-        connection.outbox.pop_front();
-        connection.outboxSince = Clock::now();
-        if (rc == NK_ECLOSED) {
-            return false;
-        }
-    }
-    if (connection.outbox.empty()) {
-        connection.hasOutbox.store(false, std::memory_order_release);
-        return true;
-    }
-    if (Clock::now() - connection.outboxSince >= kOutboxLimit) {
-        HL_LOG(LogLevel::Warning, "Server {}: client {} does not take its replies; disconnecting it", m_name,
-               connection.id);
-        return false;
-    }
-    return true;
-}
-
-void ServerChannel::Drop(uint64_t id) {
-    std::shared_ptr<Connection> dropped;
-    {
-        std::lock_guard lock(m_mutex);
-        const auto found = m_connections.find(id);
-        if (found == m_connections.end()) {
-            return;
-        }
-        dropped = std::move(found->second);
-        m_connections.erase(found);
-        ++m_generation;
-    }
-    // Others may hold the connection a moment longer; the client learns at once that it is over.
-    ::shutdown(dropped->fd.Get(), SHUT_RDWR);
-}
-
-std::shared_ptr<ServerChannel::Connection> ServerChannel::FindConnection(uint64_t id) {
-    std::lock_guard lock(m_mutex);
-    const auto found = m_connections.find(id);
-    return found != m_connections.end() ? found->second : nullptr;
-}
-
-void ServerChannel::LeaveReceive() {
-    {
-        std::lock_guard lock(m_mutex);
-        m_receiverActive = false;
-    }
-    m_roles.notify_all();
-    // The pump answers handshakes again if the serving code stays away for a while. The timer is
-    // set once per period, not per request: when it fires early, the pump sets it again.
-    m_leftReceiveAt.store(Clock::now().time_since_epoch().count());
-    if (!m_idleTimerArmed.load(std::memory_order_relaxed)) {
-        ArmIdleTimer(kPumpTakesOver);
-    }
-}
-
-void ServerChannel::ArmIdleTimer(std::chrono::nanoseconds after) {
-    m_idleTimerArmed.store(true);
-    itimerspec idle{};
-    idle.it_value.tv_sec = static_cast<time_t>(after.count() / 1'000'000'000);
-    idle.it_value.tv_nsec = std::max<long>(static_cast<long>(after.count() % 1'000'000'000), 1);
-    ::timerfd_settime(m_idleTimerFd.Get(), 0, &idle, nullptr);
 }
 
 int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline& deadline, Pending& pending) {
-    {
-        std::unique_lock lock(m_mutex);
-        const auto myTurn = [this] { return m_stopping || !m_receiverActive; };
-        if (deadline.IsInfinite()) {
-            m_roles.wait(lock, myTurn);
-        } else if (!m_roles.wait_until(lock, deadline.TimePoint(), myTurn)) {
-            return NK_TRANSPORT_TIMEOUT;
-        }
-        if (m_stopping) {
-            return NK_ECLOSED;
-        }
-        m_receiverActive = true;
-        m_pumpMayRead = false;
-        if (m_pumpReading) {
-            Signal(m_wakeFd.Get());
-            m_roles.wait(lock, [this] { return m_stopping || !m_pumpReading; });
-        }
+    // Taking the turn also brings the clients up to date, so the first round needs no other look.
+    if (const int rc = m_turns->EnterReceive(deadline, m_receiveClients, m_receiveGeneration); rc != NK_EOK) {
+        return rc;
     }
     struct Leave {
-        ServerChannel* self;
-        ~Leave() { self->LeaveReceive(); }
-    } leave{this};
+        ClientTurns& turns;
+        ~Leave() { turns.LeaveReceive(); }
+    } leave{*m_turns};
 
     std::vector<UniqueFd> fds;
     const std::vector<uint64_t> noneParked;
-    for (;;) {
-        uint64_t generation = 0;
-        {
-            std::lock_guard lock(m_mutex);
-            if (m_stopping) {
-                return NK_ECLOSED;
-            }
-            generation = m_generation;
-        }
-        if (generation != m_receiveGeneration) {
-            m_receiveClients = Snapshot(m_receiveGeneration);
+    for (bool first = true;; first = false) {
+        if (!first && !m_turns->Current(m_receiveClients, m_receiveGeneration)) {
+            return NK_ECLOSED;
         }
         m_receivePolled.clear();
-        m_receivePolled.push_back({m_refreshFd.Get(), POLLIN, 0});
+        m_receivePolled.push_back({m_turns->ReceiverBell(), POLLIN, 0});
         const int outboxMs = PollClients(m_receiveClients, noneParked, m_receivePolled);
         const int deadlineMs = deadline.RemainingPollMs();
         const int timeoutMs = outboxMs < 0     ? deadlineMs
@@ -601,80 +193,55 @@ int ServerChannel::Receive(nk_message* request, nk_arena* arena, const Deadline&
             }
         }
         if ((m_receivePolled[0].revents & POLLIN) != 0) {
-            Clear(m_refreshFd.Get());
+            m_turns->ClearReceiverBell();
         }
         // Clients in turn, starting after the one served last: one request each per round.
         const size_t count = m_receiveClients.size();
-        size_t start = 0;
-        while (start < count && m_receiveClients[start]->id <= m_lastServed) {
-            ++start;
-        }
+        const size_t start = m_turns->FirstInTurn(m_receiveClients);
         for (size_t k = 0; k < count; ++k) {
-            const size_t i = (start + k) % count;
-            const auto& client = m_receiveClients[i];
-            const short revents = m_receivePolled[i + 1].revents;
-            if (client->hasOutbox.load(std::memory_order_acquire)) {
-                if (!FlushOutbox(*client)) {
-                    Drop(client->id);
+            const auto& client = m_receiveClients[(start + k) % count];
+            const short revents = m_receivePolled[(start + k) % count + 1].revents;
+            if (client->HasOutbox()) {
+                if (!client->FlushOutbox()) {
+                    m_turns->Drop(client->Id());
                 }
                 continue;
             }
             if ((revents & POLLIN) == 0) {
                 if ((revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-                    Drop(client->id);
+                    m_turns->Drop(client->Id());
                 }
                 continue;
             }
             size_t length = 0;
             ParsedFrame frame;
-            if (ReadClient(client, m_receiveBuffer, fds, length, frame, false) != ReadOutcome::Request) {
+            const ReadOutcome outcome = client->Read(m_receiveBuffer, fds, length, frame, false);
+            if (outcome == ReadOutcome::Gone) {
+                m_turns->Drop(client->Id());
+            }
+            if (outcome != ReadOutcome::Request) {
                 continue;
             }
             std::string reason;
             const int rc = DeliverFrame(frame, fds, request, arena, reason);
-            m_lastServed = client->id;
+            m_turns->Served(client->Id());
             if (rc == NK_EOK) {
-                pending.client = client->id;
+                pending.client = client->Id();
                 pending.sequence = frame.header.sequence;
                 return NK_EOK;
             }
-            Refuse(*client, m_receiveBuffer.data(), length, rc, reason);
+            client->Refuse(m_receiveBuffer.data(), length, rc, reason);
         }
     }
 }
 
 int ServerChannel::Reply(const Pending& pending, const nk_message* response, const nk_arena* arena) {
-    const auto connection = FindConnection(pending.client);
+    const auto connection = m_turns->Find(pending.client);
     if (!connection) {
         HL_LOG(LogLevel::Debug, "Server {}: client {} has gone before its reply", m_name, pending.client);
         return NK_ECLOSED;
     }
-    FrameHeader frame;
-    frame.kind = FrameKind::Response;
-    frame.sequence = pending.sequence;
-    OutgoingPacket out;
-    std::string reason;
-    int rc = PrepareOutgoing(response, arena, frame, out, reason);
-    if (rc != NK_EOK) {
-        HL_LOG(LogLevel::Error, "Server {}: reply to client {} cannot be sent: {}", m_name, pending.client,
-               reason);
-        FrameHeader refusal;
-        refusal.kind = FrameKind::Refused;
-        refusal.sequence = pending.sequence;
-        refusal.iid = response != nullptr ? response->iid : 0;
-        refusal.mid = response != nullptr ? response->mid : 0;
-        refusal.result = rc;
-        OutgoingPacket bare;
-        PrepareBare(refusal, {}, {}, bare);
-        SendOrKeep(*connection, std::span(bare.parts.data(), bare.partCount), {});
-        return rc;
-    }
-    rc = SendOrKeep(*connection, std::span(out.parts.data(), out.partCount), out.fds);
-    if (rc != NK_EOK) {
-        HL_LOG(LogLevel::Debug, "Server {}: reply to client {} failed with {:#x}", m_name, pending.client,
-               static_cast<uint32_t>(rc));
-    }
-    return rc;
+    return connection->SendResponse(pending.sequence, response, arena);
 }
 
 }  // namespace hos::platform

@@ -16,6 +16,10 @@
 // waits in that client's outbox, and the client is not read from until the outbox has gone out; a
 // client that takes nothing for 5 seconds is disconnected.
 //
+// The channel puts three parts together and runs the loops of their two readers (the pump's and
+// the receiver's): the listening socket (server_listener.h), each client with its outbox
+// (client_connection.h), and the clients with whose turn it is to read them (client_turns.h).
+//
 // Ownership: shared by the handle that names it and by calls running on it. `Shutdown` (on
 // KnHandleClose, or destruction) stops the pump, disconnects every client at once, wakes a
 // receiver and removes the socket file if it is still ours.
@@ -24,17 +28,10 @@
 
 #include <poll.h>
 #include <sys/types.h>
-#include <sys/uio.h>
 
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -43,7 +40,8 @@
 
 #include "core/deadline.h"
 #include "core/unique_fd.h"
-#include "ipc/frame.h"
+#include "ipc/client_turns.h"
+#include "ipc/server_listener.h"
 
 namespace hos::platform {
 
@@ -76,78 +74,21 @@ public:
     const std::string& Name() const { return m_name; }
 
 private:
-    struct OutFrame {
-        std::vector<uint8_t> bytes;
-        std::vector<UniqueFd> fds;
-    };
-    struct Connection {
-        uint64_t id = 0;
-        UniqueFd fd;
-        bool refused = false;  // a peer of another user: its first frame is refused, then it goes
-        std::mutex sendMutex;  // orders answers: the outbox first, then direct sends
-        std::deque<OutFrame> outbox;
-        std::chrono::steady_clock::time_point outboxSince{};
-        std::atomic<bool> hasOutbox{false};
-    };
-    using ConnectionList = std::vector<std::shared_ptr<Connection>>;
-    // What reading one client gave.
-    enum class ReadOutcome { Nothing, Handled, Request, Parked };
-
-    ServerChannel(std::string name, std::string path, ino_t inode, uid_t allowedUid, UniqueFd listenFd,
-                  UniqueFd wakeFd, UniqueFd refreshFd, UniqueFd idleTimerFd);
+    ServerChannel(std::string name, std::unique_ptr<ServerListener> listener,
+                  std::unique_ptr<ClientTurns> turns);
     static std::shared_ptr<ServerChannel> OpenImpl(const std::string& name, uid_t allowedUid, int& rc);
 
+    // The pump thread.
     void Run();
-    static void Signal(int eventFd);
-    static void Clear(int eventFd);
-    void AcceptClients();
-    // Reads one frame of `connection` into `buffer`. A request is left in `buffer` and `fds` (or,
-    // when `peekRequests`, left unread in the socket); everything else is answered here.
-    ReadOutcome ReadClient(const std::shared_ptr<Connection>& connection, std::vector<uint8_t>& buffer,
-                           std::vector<UniqueFd>& fds, size_t& length, ParsedFrame& frame, bool peekRequests);
-    void AnswerResolve(Connection& connection, const ParsedFrame& frame);
-    void Refuse(Connection& connection, const uint8_t* packet, size_t length, int code,
-                const std::string& reason);
-    // Sends one frame without waiting; what does not fit now goes to the client's outbox.
-    int SendOrKeep(Connection& connection, std::span<const iovec> parts, std::span<const int> fds);
-    // Sends what waits in the outbox; false when the client has to go (closed, or 5 s without room).
-    bool FlushOutbox(Connection& connection);
-    // Builds the poll set of the clients: readable ones for POLLIN, those with an outbox for POLLOUT.
-    // Returns the poll timeout that the oldest outbox leaves (-1 for none).
-    int PollClients(const ConnectionList& clients, const std::vector<uint64_t>& parked,
-                    std::vector<pollfd>& polled) const;
-    void Drop(uint64_t id);
-    ConnectionList Snapshot(uint64_t& generation);
-    std::shared_ptr<Connection> FindConnection(uint64_t id);
-    void LeaveReceive();
-    void ArmIdleTimer(std::chrono::nanoseconds after);
 
     const std::string m_name;
-    const std::string m_path;
-    const ino_t m_inode;
-    const uid_t m_allowedUid;
-    UniqueFd m_listenFd;
-    UniqueFd m_wakeFd;       // wakes the pump
-    UniqueFd m_refreshFd;    // tells a receiver that the clients changed or the channel stops
-    UniqueFd m_idleTimerFd;  // fires when no receiver has run for a while: the pump reads then
+    const std::unique_ptr<ServerListener> m_listener;
+    const std::unique_ptr<ClientTurns> m_turns;
     std::vector<uint8_t> m_pumpBuffer;
-    std::atomic<bool> m_idleTimerArmed{false};
-    std::atomic<int64_t> m_leftReceiveAt{0};  // steady clock, nanoseconds
 
-    std::mutex m_mutex;
-    std::condition_variable m_roles;
-    bool m_stopping = false;
-    bool m_receiverActive = false;  // a Receive holds the clients' sockets
-    bool m_pumpMayRead = true;      // no Receive has run for a while
-    bool m_pumpReading = false;     // the pump holds the clients' sockets
-    uint64_t m_nextClient = 1;
-    uint64_t m_generation = 0;  // changes whenever a client comes or goes
-    uint64_t m_lastServed = 0;  // the client of the last request received, for the round robin
-    std::map<uint64_t, std::shared_ptr<Connection>> m_connections;
-
-    // Owned by the receiver of the moment (m_receiverActive).
+    // Owned by the receiver holding the clients' sockets.
     std::vector<uint8_t> m_receiveBuffer;
-    ConnectionList m_receiveClients;
+    ClientTurns::ClientList m_receiveClients;
     uint64_t m_receiveGeneration = ~uint64_t{0};
     std::vector<pollfd> m_receivePolled;
 
