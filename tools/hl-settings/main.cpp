@@ -33,7 +33,7 @@ constexpr const char* kHelp =
     "Options:\n"
     "  --service NAME   the settings service (default hl.settings_manager.MSmgr, the non-persistent\n"
     "                   one; others: hl.settings_manager.PSmgr, SecretPSmgr, RdpPSmgr, SkalaPSmgr,\n"
-    "                   WebPSmgr, UpdatePSmgr)\n"
+    "                   WebPSmgr, UpdatePSmgr); the short name (MSmgr) is taken too\n"
     "  --wait MS        wait up to MS milliseconds for the service to be there (default 1000)\n"
     "  --verbose, -v    write the settings client's log lines to standard error\n"
     "  --json           machine-readable output (get, tree, monitor)\n"

@@ -71,7 +71,7 @@ std::optional<DaemonOptions> ParseOptions(const std::vector<std::string>& argume
         error = "no service named";
         return std::nullopt;
     }
-    const auto found = FindService(*service);
+    const auto found = settings_manager::FindService(*service);
     if (!found) {
         error = "'" + *service + "' is not a settings service";
         return std::nullopt;

@@ -10,7 +10,7 @@
 // --defaults the JSON defaults of the non-persistent service (default: the file shipped beside the
 // program); --log-level 0 (trace) to 6 (off), default 2.
 
-#include "service_names.h"
+#include <settings_manager/service_names.h>
 
 #include <optional>
 #include <string>
@@ -19,7 +19,7 @@
 namespace hl_settingsd {
 
 struct DaemonOptions {
-    ServiceName service{};
+    settings_manager::ServiceName service{};
     std::optional<std::string> stateDir;
     std::optional<std::string> defaults;
     int logLevel = 2;

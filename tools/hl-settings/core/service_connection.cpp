@@ -3,6 +3,7 @@
 #include "core/exit_code.h"
 
 #include <settings_manager/ipc/create_settings_manager.h>
+#include <settings_manager/service_names.h>
 
 #include <diagnostics/result_code.h>
 #include <platform/kn_channel.h>
@@ -44,8 +45,18 @@ int Probe(const std::string& service, std::uint32_t waitMs) {
 
 }  // namespace
 
+namespace {
+
+// A known service's short name ("MSmgr") stands for its full one; any other name is taken as given.
+std::string FullName(std::string service) {
+    const auto known = settings_manager::FindService(service);
+    return known ? std::string(known->name) : service;
+}
+
+}  // namespace
+
 ServiceConnection::ServiceConnection(std::string service, std::uint32_t waitMs)
-    : m_service(std::move(service)), m_waitMs(waitMs) {}
+    : m_service(FullName(std::move(service))), m_waitMs(waitMs) {}
 
 int ServiceConnection::Open() {
     const int probe = Probe(m_service, m_waitMs);

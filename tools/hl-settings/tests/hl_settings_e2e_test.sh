@@ -32,8 +32,9 @@ expect "get without a service" 3 "$tool" --wait 0 get locale/language; says "can
 pids+=($!)
 for _ in $(seq 200); do grep -q ready "$HL_RUNTIME_DIR/service.out" && break; sleep 0.05; done
 
-# A fresh non-persistent service holds its defaults.
+# A fresh non-persistent service holds its defaults; its short name reaches it too.
 expect "get a default" 0 "$tool" get locale/language; is "en-US"
+expect "get by the short name" 0 "$tool" --service MSmgr get locale/language; is "en-US"
 
 # Round trips: what set writes, get prints in the same form.
 while read -r type value; do

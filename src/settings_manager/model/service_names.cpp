@@ -1,6 +1,6 @@
-#include "service_names.h"
+#include <settings_manager/service_names.h>
 
-namespace hl_settingsd {
+namespace settings_manager {
 
 const std::vector<ServiceName>& KnownServices() {
     static const std::vector<ServiceName> services{
@@ -23,4 +23,4 @@ std::optional<ServiceName> FindService(std::string_view name) {
     return std::nullopt;
 }
 
-}  // namespace hl_settingsd
+}  // namespace settings_manager
