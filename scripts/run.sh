@@ -11,7 +11,8 @@
 # Environment: HL_LANGUAGE (en-US, ru-RU, es-MX, pt-BR: set before the program starts; else the
 # service's default, en-US), QT_QUICK_BACKEND (default software), HL_SCREENSHOT. The manager and the
 # program log to standard error.
-# Exit status: hl-ask's (0 approved, 1 declined, 2 error), or 125 when the session can't start.
+# Exit status: hl-ask's (0 approved, 1 declined, 3 no service, 4 the service failed, 5 timed out),
+# or 125 when the session can't start.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh

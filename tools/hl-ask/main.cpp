@@ -1,6 +1,9 @@
 // hl-ask: asks the decision service for a person's decision and prints it.
 #include <access_arbiter/decision_client.h>
 
+#include <unistd.h>
+
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -20,9 +23,11 @@ constexpr const char* kHelp =
     "\n"
     "  --timeout MS            give up after MS milliseconds of waiting for the answer (0: no limit)\n"
     "  --wait-for-service MS   wait up to MS milliseconds for the service to be published and answer\n"
+    "                          (on a terminal, one line says that it waits)\n"
     "\n"
-    "Exit codes: 0 approved; 1 declined; 2 any error, with a message on standard error: service not\n"
-    "found, server failure, peer gone, timed out, usage error.\n";
+    "Exit codes: 0 approved; 1 declined; 2 usage error; 3 the service is not there, does not answer\n"
+    "or went away before it answered; 4 the service failed the request; 5 timed out. Each error has\n"
+    "a message on standard error.\n";
 
 int Finish(const hl_ask::Report& report) {
     if (report.exitCode <= 1) {
@@ -39,7 +44,7 @@ int main(int argc, char** argv) {
     const auto parsed = hl_ask::ParseOptions(std::vector<std::string>(argv + 1, argv + argc));
     if (!parsed.ok) {
         std::fprintf(stderr, "hl-ask: %s\n\n%s", parsed.error.c_str(), kHelp);
-        return 2;
+        return hl_ask::kExitUsage;
     }
     if (parsed.options.help) {
         std::fputs(kHelp, stdout);
@@ -52,7 +57,15 @@ int main(int argc, char** argv) {
     }
     const std::string timeout = std::to_string(parsed.options.timeoutMs.value_or(0));
     int approved = 0;
-    int status = hl_decision_connect(client.get(), parsed.options.waitForServiceMs.value_or(0));
+    const std::uint32_t waitMs = parsed.options.waitForServiceMs.value_or(0);
+    int status = hl_decision_connect(client.get(), 0);
+    if (status != HL_DECISION_OK && waitMs > 0) {
+        // A person at a terminal learns why nothing happens yet; a script's log stays clean.
+        if (::isatty(STDERR_FILENO) == 1) {
+            std::fprintf(stderr, "hl-ask: waiting up to %u ms for the decision service...\n", waitMs);
+        }
+        status = hl_decision_connect(client.get(), waitMs);
+    }
     if (status == HL_DECISION_OK) {
         status = hl_decision_ask(client.get(), parsed.options.timeoutMs.value_or(0), &approved);
     }

@@ -45,20 +45,21 @@ Report Describe(Outcome outcome, const std::string& detail) {
         case Outcome::Declined:
             return {1, "declined"};
         case Outcome::NotPublished:
-            return {2, "service not found: nothing publishes hl.access_arbiter.AccessArbiter.accessArbiter" +
+            return {kExitUnreachable, "service not found: nothing publishes hl.access_arbiter.AccessArbiter.accessArbiter" +
                            (detail.empty() ? std::string() : " (" + detail + ")")};
         case Outcome::NotReachable:
-            return {2, "service not found: the decision service's server does not answer (" + detail + ")"};
+            return {kExitUnreachable,
+                    "service not found: the decision service's server does not answer (" + detail + ")"};
         case Outcome::ServerFailure:
-            return {2, "server failure: the decision service could not answer"};
+            return {kExitFailed, "server failure: the decision service could not answer"};
         case Outcome::PeerGone:
-            return {2, "peer gone: the decision service closed the channel or died before answering"};
+            return {kExitUnreachable, "peer gone: the decision service closed the channel or died before answering"};
         case Outcome::TimedOut:
-            return {2, "timed out after " + detail + " ms without a decision"};
+            return {kExitTimedOut, "timed out after " + detail + " ms without a decision"};
         case Outcome::OtherFailure:
-            return {2, "request failed: " + detail};
+            return {kExitFailed, "request failed: " + detail};
     }
-    return {2, "request failed"};
+    return {kExitFailed, "request failed"};
 }
 
 }  // namespace hl_ask

@@ -34,6 +34,14 @@ enum class Outcome {
     OtherFailure
 };
 
+// The exit codes, as zenity's where they meet: 0 approved, 1 declined, 2 usage, 3 no service to ask
+// (not published, not answering, or gone before it answered), 4 the service failed the request,
+// 5 no decision within --timeout.
+inline constexpr int kExitUsage = 2;
+inline constexpr int kExitUnreachable = 3;
+inline constexpr int kExitFailed = 4;
+inline constexpr int kExitTimedOut = 5;
+
 struct Report {
     int exitCode;
     std::string text;  // "approved" / "declined" on stdout; the others go to stderr prefixed "hl-ask: "

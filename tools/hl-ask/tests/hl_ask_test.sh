@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # hl-ask against a real decision server process: approve, decline, server failure, odd answer,
-# peer gone, caller's timeout, service missing, and waiting for a service that comes later.
+# peer gone, caller's timeout, service missing, and waiting for a service that comes later; each
+# ending with its exit code.
 #   hl_ask_test.sh HL_ASK DECISION_SERVER
 set -uo pipefail
 ASK=$1
@@ -32,16 +33,21 @@ expect() {
 
 "$ASK" --help | grep -q "Exit codes" || fail "--help"
 expect 2 "" "needs a number" --timeout
-expect 2 "" "^hl-ask: service not found: nothing publishes hl.access_arbiter.AccessArbiter.accessArbiter"
+expect 3 "" "^hl-ask: service not found: nothing publishes hl.access_arbiter.AccessArbiter.accessArbiter"
+# Waiting for a service that never comes: one line says so on a terminal, none in a script's log.
+script -qec "$ASK --wait-for-service 300" /dev/null < /dev/null > "$WORK/terminal"
+[ $? -eq 3 ] && grep -q "waiting up to 300 ms" "$WORK/terminal" || fail "no waiting line on a terminal: $(cat "$WORK/terminal")"
+expect 3 "" "^hl-ask: service not found" --wait-for-service 300
+! grep -q waiting "$WORK/err" || fail "a waiting line without a terminal"
 start approve;  expect 0 approved -;  stop
-expect 2 "" "service not found: the decision service's server does not answer"
+expect 3 "" "service not found: the decision service's server does not answer"
 start decline;  expect 1 declined -;  stop
-start fail;     expect 2 "" "^hl-ask: server failure";  expect 2 "" "server failure";  stop
-start odd;      expect 2 "" "unexpected answer 7";  stop
-start die;      expect 2 "" "^hl-ask: peer gone";  stop
+start fail;     expect 4 "" "^hl-ask: server failure";  expect 4 "" "server failure";  stop
+start odd;      expect 4 "" "unexpected answer 7";  stop
+start die;      expect 3 "" "^hl-ask: peer gone";  stop
 start hang
 before=$(date +%s%N)
-expect 2 "" "^hl-ask: timed out after 700 ms" --timeout 700
+expect 5 "" "^hl-ask: timed out after 700 ms" --timeout 700
 elapsed=$(( ($(date +%s%N) - before) / 1000000 ))
 [ $elapsed -ge 650 ] || fail "gave up after $elapsed ms"
 stop

@@ -103,7 +103,7 @@ TEST_F(SessionFaults,
     // program itself goes on, pinging its manager.
     const std::size_t pings = m_session.CountInLog("]: Ping");
     auto late = m_session.Ask({"--timeout", "2000"});
-    EXPECT_EQ(late->Wait(30s), 2);
+    EXPECT_EQ(late->Wait(30s), 5);
     EXPECT_NE(late->Output().find("timed out after 2000 ms"), std::string::npos) << late->Output();
     EXPECT_TRUE(m_session.ShownWindows().empty());
     EXPECT_TRUE(m_session.WaitForLog("]: Ping", 5s, pings + 2));
@@ -127,7 +127,7 @@ TEST_F(SessionFaults, AStopWhileADecisionIsAskedForEndsTheProgramWithSigkillAfte
           "AccessArbiter[" + pid + "]: killed by signal 9 (stopped)"}) {
         EXPECT_EQ(m_session.CountInLog(line), 1U) << line << "\n" << m_session.Log();
     }
-    EXPECT_EQ(caller->Wait(10s), 2);
+    EXPECT_EQ(caller->Wait(10s), 3);
     EXPECT_NE(caller->Output().find("peer gone"), std::string::npos) << caller->Output();
 }
 
