@@ -68,20 +68,14 @@ cc -o "$WORK/ask-pc" "$SOURCE/examples/ask/ask.c" $flags || fail "the example do
 # Only the library search path is given, as the scratch root is not /usr.
 cat > "$WORK/in-session.sh" <<'IN'
 set -uo pipefail
+source "$CLICK_DIALOG"
 # click X EXPECTED -- COMMAND...: runs the asking command, clicks (X, 110) of the dialog, checks the answer.
 click() {
   local x=$1 expected=$2
   shift 3
   "$@" > "$WORK/answer" 2> "$WORK/ask-err" &
-  local asker=$! window=""
-  for _ in $(seq 600); do
-    window=$(xdotool search --onlyvisible --name '^AccessArbiter$' 2>/dev/null | head -1)
-    [ -n "$window" ] && break
-    sleep 0.1
-  done
-  [ -n "$window" ] || { echo "the dialog was not mapped" >&2; exit 10; }
-  sleep 0.5
-  xdotool mousemove --window "$window" "$x" 110 click 1
+  local asker=$!
+  click_dialog "$x" 110
   wait "$asker"
   [ "$(cat "$WORK/answer")" = "$expected" ] ||
     { echo "$1 answered '$(cat "$WORK/answer")' ($(cat "$WORK/ask-err")), not $expected" >&2; exit 11; }
@@ -93,7 +87,7 @@ click() {
 click 234 approved -- "$WORK/example/ask"
 click 86 declined -- hl-ask
 IN
-env -i PATH="$ROOT/usr/bin:/usr/bin:/bin" HOME="$WORK" WORK="$WORK" LD_LIBRARY_PATH="$LIBDIR" \
+env -i PATH="$ROOT/usr/bin:/usr/bin:/bin" HOME="$WORK" WORK="$WORK" CLICK_DIALOG="$SOURCE/tools/hosted-session/tests/click_dialog.sh" LD_LIBRARY_PATH="$LIBDIR" \
   QT_QUICK_BACKEND=software ASAN_OPTIONS="${ASAN_OPTIONS:-}" \
   "$ROOT/usr/bin/hl-session" --xvfb --quiet --directory "$WORK/session" -- bash "$WORK/in-session.sh" ||
   { cat "$WORK/session/session.log" >&2; fail "the installed session did not answer both clicks"; }

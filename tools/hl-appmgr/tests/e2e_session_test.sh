@@ -18,20 +18,12 @@ trap 'rm -rf "$WORK"' EXIT
 cat > "$WORK/in-session.sh" <<'IN'
 set -uo pipefail
 LOG=$1
+source "$2"
 # ask X Y EXPECTED_CODE EXPECTED_TEXT: one request answered by a click at (X, Y) of the dialog.
 ask() {
   hl-ask --timeout 120000 > "$LOG.answer" 2> "$LOG.ask-err" &
   local asker=$!
-  local window=""
-  # A search fails as a whole when a window goes away under it (BadWindow): search again.
-  for _ in $(seq 600); do
-    window=$(xdotool search --onlyvisible --name '^AccessArbiter$' 2>/dev/null | head -1)
-    [ -n "$window" ] && break
-    sleep 0.1
-  done
-  [ -n "$window" ] || { echo "the dialog was not mapped" >&2; exit 10; }
-  sleep 0.5
-  xdotool mousemove --window "$window" "$1" "$2" click 1
+  click_dialog "$1" "$2"
   wait "$asker"
   local rc=$?
   [ $rc -eq "$3" ] || { echo "hl-ask exited $rc, not $3: $(cat "$LOG.ask-err")" >&2; exit 11; }
@@ -44,7 +36,8 @@ for _ in $(seq 100); do
 done
 IN
 
-PATH="$BIN:$PATH" "$BIN/hl-session" --xvfb --quiet --directory "$WORK/session" -- bash "$WORK/in-session.sh" "$LOG"
+PATH="$BIN:$PATH" "$BIN/hl-session" --xvfb --quiet --directory "$WORK/session" -- bash "$WORK/in-session.sh" "$LOG" \
+  "$(dirname "$0")/../../hosted-session/tests/click_dialog.sh"
 rc=$?
 [ $rc -eq 0 ] || fail "the session's command exited $rc"
 
