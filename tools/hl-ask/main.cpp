@@ -8,26 +8,19 @@
 #include <memory>
 #include <string>
 
-#include "core/ask_options.h"
+#include <hl_cli/tool.h>
+
+#include "core/outcome.h"
 
 namespace {
 
 using hl_ask::Outcome;
 
-constexpr const char* kHelp =
-    "Usage: hl-ask [--timeout MS] [--wait-for-service MS]\n"
-    "\n"
+constexpr const char* kDescription =
     "Finds the decision service through the registry (type hl.access_arbiter.AccessArbiter.accessArbiter),\n"
     "calls GetUserDecision and prints 'approved' or 'declined'. The service answers only once a person\n"
-    "has decided, so without --timeout this waits as long as the person takes.\n"
-    "\n"
-    "  --timeout MS            give up after MS milliseconds of waiting for the answer (0: no limit)\n"
-    "  --wait-for-service MS   wait up to MS milliseconds for the service to be published and answer\n"
-    "                          (on a terminal, one line says that it waits)\n"
-    "\n"
-    "Exit codes: 0 approved; 1 declined; 2 usage error; 3 the service is not there, does not answer\n"
-    "or went away before it answered; 4 the service failed the request; 5 timed out. Each error has\n"
-    "a message on standard error.\n";
+    "has decided, so without --timeout this waits as long as the person takes. Each error has a message\n"
+    "on standard error.";
 
 int Finish(const hl_ask::Report& report) {
     if (report.exitCode <= 1) {
@@ -41,23 +34,31 @@ int Finish(const hl_ask::Report& report) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const auto parsed = hl_ask::ParseOptions(std::vector<std::string>(argv + 1, argv + argc));
-    if (!parsed.ok) {
-        std::fprintf(stderr, "hl-ask: %s\n\n%s", parsed.error.c_str(), kHelp);
-        return hl_ask::kExitUsage;
-    }
-    if (parsed.options.help) {
-        std::fputs(kHelp, stdout);
-        return 0;
+    hl::cli::Tool tool("hl-ask", kDescription,
+                       {{0, "approved"},
+                        {1, "declined"},
+                        {hl::cli::kExitUsage, "usage error"},
+                        {hl_ask::kExitUnreachable, "the service is not there, does not answer or went away before it answered"},
+                        {hl_ask::kExitFailed, "the service failed the request"},
+                        {hl_ask::kExitTimedOut, "no decision within --timeout"}});
+    std::uint32_t timeoutMs = 0;
+    std::uint32_t waitMs = 0;
+    tool.App().add_option("--timeout", timeoutMs, "give up after MS milliseconds of waiting for the answer (0: no limit)")
+        ->option_text("MS");
+    tool.App().add_option("--wait-for-service", waitMs,
+                          "wait up to MS milliseconds for the service to be published and answer (on a terminal, "
+                          "one line says that it waits)")
+        ->option_text("MS");
+    if (const auto status = tool.Parse(argc, argv)) {
+        return *status;
     }
     const std::unique_ptr<hl_decision_client, decltype(&hl_decision_client_free)> client(hl_decision_client_new(),
                                                                                    &hl_decision_client_free);
     if (!client) {
         return Finish(hl_ask::Describe(Outcome::OtherFailure, "no memory"));
     }
-    const std::string timeout = std::to_string(parsed.options.timeoutMs.value_or(0));
+    const std::string timeout = std::to_string(timeoutMs);
     int approved = 0;
-    const std::uint32_t waitMs = parsed.options.waitForServiceMs.value_or(0);
     int status = hl_decision_connect(client.get(), 0);
     if (status != HL_DECISION_OK && waitMs > 0) {
         // A person at a terminal learns why nothing happens yet; a script's log stays clean.
@@ -67,7 +68,7 @@ int main(int argc, char** argv) {
         status = hl_decision_connect(client.get(), waitMs);
     }
     if (status == HL_DECISION_OK) {
-        status = hl_decision_ask(client.get(), parsed.options.timeoutMs.value_or(0), &approved);
+        status = hl_decision_ask(client.get(), timeoutMs, &approved);
     }
     const std::string error = hl_decision_error(client.get());
     switch (status) {

@@ -2,7 +2,7 @@
 #include <hosted_session/session.h>
 #include <hosted_session/x_display.h>
 
-#include <CLI/CLI.hpp>
+#include <hl_cli/tool.h>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -35,11 +35,6 @@ constexpr const char* kDescription =
     "HL_RUNTIME_DIR set); then the session stops in order: the manager, which ends the program, the\n"
     "settings service, the X server. Without COMMAND the session runs until SIGINT or SIGTERM.\n"
     "The manager's and the program's log is copied to standard error.";
-
-constexpr const char* kExitCodes =
-    "Exit status: COMMAND's; without COMMAND 0 once stopped by a signal, 1 when the manager ended\n"
-    "by itself; 125 when the session could not start; 127 when COMMAND could not be run;\n"
-    "2 for a usage error.";
 
 std::atomic<int> g_stopSignal{0};
 
@@ -77,9 +72,13 @@ int Fail(const std::string& message) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app(kDescription, "hl-session");
-    app.footer(kExitCodes);
-    app.set_version_flag("--version", std::string("hl-session ") + HL_VERSION);
+    hl::cli::Tool tool("hl-session", kDescription,
+                       {{0, "without COMMAND: stopped by a signal; with COMMAND: COMMAND's own status"},
+                        {1, "without COMMAND: the manager ended by itself"},
+                        {hl::cli::kExitUsage, "usage error"},
+                        {kCantStart, "the session could not start"},
+                        {kCommandNotRun, "COMMAND could not be run"}});
+    CLI::App& app = tool.App();
     SessionSetup setup = SessionSetup::Beside(SessionSetup::OwnDirectory());
     std::string language;
     bool privateDisplay = false;
@@ -95,11 +94,8 @@ int main(int argc, char** argv) {
     app.add_flag("-q,--quiet", quiet, "do not copy the log to standard error");
     app.add_option("command", command, "COMMAND [ARG...], after --")->expected(-1);
     app.positionals_at_end();
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        const int code = app.exit(error);
-        return code == 0 ? 0 : 2;
+    if (const auto status = tool.Parse(argc, argv)) {
+        return *status;
     }
 
     struct sigaction action {};

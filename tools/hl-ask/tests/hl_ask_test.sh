@@ -28,11 +28,15 @@ expect() {
   [ $rc -eq "$code" ] || fail "hl-ask $* exited $rc, not $code ($(cat "$WORK/err"))"
   [ "$(cat "$WORK/out")" = "$out" ] || fail "hl-ask $* printed '$(cat "$WORK/out")'"
   if [ "$err" = "-" ]; then [ ! -s "$WORK/err" ] || fail "hl-ask $* said $(cat "$WORK/err")"; return; fi
-  grep -qE "$err" "$WORK/err" || fail "hl-ask $* said '$(cat "$WORK/err")', not /$err/"
+  grep -qE -- "$err" "$WORK/err" || fail "hl-ask $* said '$(cat "$WORK/err")', not /$err/"
 }
 
-"$ASK" --help | grep -q "Exit codes" || fail "--help"
-expect 2 "" "needs a number" --timeout
+"$ASK" --help | grep -q "^  5    no decision within --timeout" || fail "--help has no exit-code table"
+"$ASK" --version | grep -qx "hl-ask [0-9]*\.[0-9]*\.[0-9]*" || fail "--version"
+expect 2 "" "--timeout" --timeout
+expect 2 "" "-1" --timeout -1
+expect 2 "" "not expected: approve" approve
+grep -qx "Try 'hl-ask --help' for more information." "$WORK/err" || fail "no pointer to --help"
 expect 3 "" "^hl-ask: service not found: nothing publishes hl.access_arbiter.AccessArbiter.accessArbiter"
 # Waiting for a service that never comes: one line says so on a terminal, none in a script's log.
 script -qec "$ASK --wait-for-service 300" /dev/null < /dev/null > "$WORK/terminal"
@@ -47,7 +51,7 @@ start odd;      expect 4 "" "unexpected answer 7";  stop
 start die;      expect 3 "" "^hl-ask: peer gone";  stop
 start hang
 before=$(date +%s%N)
-expect 5 "" "^hl-ask: timed out after 700 ms" --timeout 700
+expect 5 "" "^hl-ask: timed out after 700 ms" --timeout=700
 elapsed=$(( ($(date +%s%N) - before) / 1000000 ))
 [ $elapsed -ge 650 ] || fail "gave up after $elapsed ms"
 stop

@@ -1,27 +1,10 @@
-// hl-ask's command line and the text and exit code of each way a request can end.
+// The text and exit code of each way an hl-ask request can end.
 // Pure functions; safe from any thread.
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
-#include <vector>
 
 namespace hl_ask {
-
-struct AskOptions {
-    bool help = false;
-    std::optional<std::uint32_t> timeoutMs;         // --timeout MS: the caller gives up
-    std::optional<std::uint32_t> waitForServiceMs;  // --wait-for-service MS
-};
-
-struct ParsedOptions {
-    bool ok = false;
-    AskOptions options;
-    std::string error;
-};
-
-ParsedOptions ParseOptions(const std::vector<std::string>& arguments);
 
 enum class Outcome {
     Approved,
@@ -37,7 +20,6 @@ enum class Outcome {
 // The exit codes, as zenity's where they meet: 0 approved, 1 declined, 2 usage, 3 no service to ask
 // (not published, not answering, or gone before it answered), 4 the service failed the request,
 // 5 no decision within --timeout.
-inline constexpr int kExitUsage = 2;
 inline constexpr int kExitUnreachable = 3;
 inline constexpr int kExitFailed = 4;
 inline constexpr int kExitTimedOut = 5;
