@@ -19,6 +19,9 @@ namespace vdi::common_utils_ui::xkb_helper {
 // the toolkit. The keyboard is made at the first question that finds a display and a seat, so a
 // seat that comes later is still taken; without them there is no keyboard. Keeps the keymap the
 // compositor sends, or builds the default one on request, and follows the modifiers.
+// A keyboard of its own because Qt 6.4 exposes no handle of its own wl_keyboard (its native
+// interface offers the display and the seat only, and QtWaylandClient's private headers are not
+// shipped); reading Qt's input device through an unseen layout would be undefined behaviour.
 //
 // Qt main thread only. Must die before the toolkit's platform integration (a child of the
 // application object does: children die before the integration).
