@@ -16,6 +16,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 #include <functional>
 #include <memory>
 #include <string>
@@ -36,6 +38,25 @@ TEST_F(ApplicationManagerClient, PublishedManagerThatIsGoneGivesNullAfterTheConn
     EXPECT_EQ(app_manager::CreateApplicationManager("AccessArbiter"), nullptr);
     EXPECT_TRUE(m_log.Contains("Cannot create application manager proxy, "));
     EXPECT_TRUE(m_log.Contains("hosipc::MakeProxy(): error connecting to endpoint. with result: "));
+}
+
+std::size_t Entries(const char* directory) {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(directory),
+                                                  std::filesystem::directory_iterator()));
+}
+
+// The commands channel, with its notice thread, is up when the watchdog's channel fails: the failed
+// start closes both and stops the thread. The first attempt warms what the platform keeps for good.
+TEST_F(ApplicationManagerClient, AFailedThirdConnectionLeavesNoThreadAndNoChannelBehind) {
+    StartManager({"--no-watchdog"});
+    EXPECT_EQ(app_manager::CreateApplicationManager("AccessArbiter"), nullptr);
+    const std::size_t descriptors = Entries("/proc/self/fd");
+    const std::size_t threads = Entries("/proc/self/task");
+    EXPECT_EQ(app_manager::CreateApplicationManager("AccessArbiter"), nullptr);
+    EXPECT_TRUE(m_log.Contains("Cannot create application manager proxy, "));
+    EXPECT_EQ(Entries("/proc/self/fd"), descriptors);
+    EXPECT_TRUE(hos::platform::testing::WaitUntil([&] { return Entries("/proc/self/task") == threads; }, 2s))
+        << Entries("/proc/self/task") << " threads, " << threads << " before";
 }
 
 TEST_F(ApplicationManagerClient, UpdateHandleMissingOrNotAskedForStillGivesAManager) {

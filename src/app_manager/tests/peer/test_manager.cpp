@@ -1,10 +1,11 @@
 // An application manager for the tests, in a process of its own: serves the controller, commands and
 // watchdog interfaces from their generated stubs over the hosted platform.
 //
-//   hl_app_manager_test_manager <server name> [--no-handle]
+//   hl_app_manager_test_manager <server name> [--no-handle] [--no-watchdog]
 //
 // Registers <server name> with the endpoints "app_manager.applicationController" (riid 1),
-// "app_manager.applicationCommands" (2) and "app_manager.applicationWatchdog" (3), publishes the type
+// "app_manager.applicationCommands" (2) and "app_manager.applicationWatchdog" (3; not with
+// --no-watchdog, so that a client's third connection fails), publishes the type
 // "hl.app_manager.ApplicationManager.applicationManager" there, prints "ready",
 // then prints one line per request it serves:
 //   StartApplication|ReadyToInitialize|ReadyToShowUI <name>
@@ -133,7 +134,7 @@ void ReadCommands(Commands& commands) {
     }
 }
 
-int Serve(const char* serverName, bool giveHandle) {
+int Serve(const char* serverName, bool giveHandle, bool serveWatchdog) {
     Controller controller;
     Commands commands(giveHandle);
     Watchdog watchdog;
@@ -142,9 +143,11 @@ int Serve(const char* serverName, bool giveHandle) {
                                            "applicationController", "hl.app_manager.ApplicationController",
                                            &controller)
         .Serve<idl::ApplicationCommands>(kCommandsRiid, "app_manager.applicationCommands", "applicationCommands",
-                                         "hl.app_manager.ApplicationCommands", &commands)
-        .Serve<idl::ApplicationWatchdog>(kWatchdogRiid, "app_manager.applicationWatchdog", "applicationWatchdog",
-                                         "hl.app_manager.ApplicationWatchdog", &watchdog);
+                                         "hl.app_manager.ApplicationCommands", &commands);
+    if (serveWatchdog) {
+        tree.Serve<idl::ApplicationWatchdog>(kWatchdogRiid, "app_manager.applicationWatchdog", "applicationWatchdog",
+                                             "hl.app_manager.ApplicationWatchdog", &watchdog);
+    }
     tree.PublishType("hl.app_manager.ApplicationManager.applicationManager");
     std::thread(ReadCommands, std::ref(commands)).detach();
     return hl_test::ServeForever(std::move(tree), serverName);
@@ -154,18 +157,21 @@ int Serve(const char* serverName, bool giveHandle) {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s <server name> [--no-handle]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s <server name> [--no-handle] [--no-watchdog]\n", argv[0]);
         return 2;
     }
     bool giveHandle = true;
+    bool serveWatchdog = true;
     for (int i = 2; i < argc; ++i) {
         const std::string option = argv[i];
         if (option == "--no-handle") {
             giveHandle = false;
+        } else if (option == "--no-watchdog") {
+            serveWatchdog = false;
         } else {
             std::fprintf(stderr, "unknown option %s\n", argv[i]);
             return 2;
         }
     }
-    return Serve(argv[1], giveHandle);
+    return Serve(argv[1], giveHandle, serveWatchdog);
 }
