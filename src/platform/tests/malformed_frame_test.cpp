@@ -6,9 +6,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <sstream>
 
 #include <platform/platform.h>
@@ -126,6 +129,60 @@ TEST(PipelinedRequestsTest, EachRequestSentWithoutWaitingGetsItsOwnAnswer) {
         answered[testing::FrameField<uint32_t>(*answer, 16)] = testing::FrameField<uint32_t>(*answer, 24);
     }
     EXPECT_EQ(answered, (std::map<uint32_t, uint32_t>{{2, 14}, {3, 21}, {4, 28}}));
+}
+
+// The real hl-appmgr, its log on the standard output that the test reads, serving until the test ends
+// (its application ends with the test's end of the manager's input).
+// `shellLimits` runs before it in the shell that starts it (as "ulimit -n 128").
+std::unique_ptr<testing::PeerProcess> StartManager(const std::string& shellLimits = {}) {
+    return testing::PeerProcess::Start(
+        {"/bin/sh", "-c", shellLimits + "\nexec 2>&1; exec \"$0\" run --name waiter -- /bin/sh -c 'echo ready; exec cat >/dev/null'",
+         HL_APPMGR});
+}
+
+std::size_t OpenDescriptors(pid_t pid) {
+    const std::filesystem::path fds = "/proc/" + std::to_string(pid) + "/fd";
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(fds), {}));
+}
+
+// Resolves `endpoint` on `raw` and returns its riid (0xffff when refused).
+uint16_t Resolve(testing::RawSocket& raw, const std::string& endpoint) {
+    if (!raw.Send(testing::RawFrame(testing::kRawResolve, 0, 0, 1, {}, {endpoint.begin(), endpoint.end()}))) {
+        return 0xffff;
+    }
+    const auto resolved = raw.Receive(10s);
+    if (!resolved || testing::FrameField<uint16_t>(*resolved, 8) != testing::kRawResolved) {
+        return 0xffff;
+    }
+    return static_cast<uint16_t>(testing::FrameField<uint32_t>(*resolved, 24));
+}
+
+// Pings with four descriptors attached, which no request of the manager takes: each is closed
+// when its request has been served, so the manager's descriptor count stays where it was.
+TEST(ServerLimitsTest, HandlesAttachedToRequestsAreClosedOnceServed) {
+    testing::ScopedRuntimeDirectory directory;
+    const auto manager = StartManager();
+    ASSERT_NE(manager, nullptr);
+    testing::RawSocket raw(directory.ServerSocket("applicationManager_id"));
+    const uint16_t riid = Resolve(raw, "app_manager.applicationWatchdog");
+    ASSERT_NE(riid, 0xffff);
+    int pipeEnds[2];
+    ASSERT_EQ(::pipe2(pipeEnds, O_CLOEXEC), 0);
+    const std::vector<int> attached{pipeEnds[0], pipeEnds[1], pipeEnds[0], pipeEnds[1]};
+    const std::string name = "waiter";
+    std::vector<unsigned char> body(4 * 16 + 8, 0);
+    const std::size_t before = OpenDescriptors(manager->Pid());
+    for (uint32_t sequence = 2; sequence < 302; ++sequence) {
+        ASSERT_TRUE(raw.Send(testing::RawFrame(testing::kRawRequest, riid, 0, sequence, body,
+                                               {name.begin(), name.end()}, 0, nk_size_word(96, 4)),
+                             attached));
+        ASSERT_TRUE(raw.Receive(10s).has_value()) << "request " << sequence << " was not answered";
+    }
+    const std::size_t after = OpenDescriptors(manager->Pid());
+    ::close(pipeEnds[0]);
+    ::close(pipeEnds[1]);
+    EXPECT_LE(after, before + 2) << "300 requests with 4 descriptors each: " << before << " open before, "
+                                 << after << " after";
 }
 
 }  // namespace
