@@ -86,8 +86,8 @@ void ServingHost::Dispatch(nk_message* request, nk_arena* requestArena) {
     if (served == endpoints.end()) {
         static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
         if (const auto admission = limiter.Admit(m_transport.pendingClient)) {
-            HL_LOG(LogLevel::Warning, "request for the unknown interface {} (method {}) refused{}", request->iid,
-                   request->mid, admission.Note());
+            HL_LOG(LogLevel::Warning, "request for the unknown interface {} (method {}) refused{}",
+                   request->iid, request->mid, admission.Note());
         }
         response->sizeFlags = NK_SERVER_FAILURE_WORD;
         CloseUntakenHandles(request, 0);

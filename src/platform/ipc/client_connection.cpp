@@ -104,7 +104,8 @@ void ClientConnection::AnswerResolve(const ParsedFrame& frame) {
     if (riid < 0) {
         static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
         if (const auto admission = limiter.Admit(static_cast<uint64_t>(m_pid))) {
-            HL_LOG(LogLevel::Info, "Server {}: no endpoint answers to \"{}\"{}", m_server, name, admission.Note());
+            HL_LOG(LogLevel::Info, "Server {}: no endpoint answers to \"{}\"{}", m_server, name,
+                   admission.Note());
         }
     }
     FrameHeader answer;
@@ -124,8 +125,8 @@ void ClientConnection::Refuse(const uint8_t* packet, size_t length, int code, co
     // A client may send nothing but bad frames: a few lines a second per peer, counting the rest.
     static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
     if (const auto admission = limiter.Admit(static_cast<uint64_t>(m_pid))) {
-        HL_LOG(LogLevel::Warning, "Server {}: refused a frame from client {} (pid {}): {} ({:#x}){}", m_server, m_id,
-               m_pid, reason, static_cast<uint32_t>(code), admission.Note());
+        HL_LOG(LogLevel::Warning, "Server {}: refused a frame from client {} (pid {}): {} ({:#x}){}",
+               m_server, m_id, m_pid, reason, static_cast<uint32_t>(code), admission.Note());
     }
     FrameHeader answer;
     answer.kind = FrameKind::Refused;

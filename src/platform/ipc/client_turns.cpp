@@ -80,8 +80,8 @@ std::unique_ptr<ClientTurns> ClientTurns::Create(std::string server, ConnectionL
                                                         std::move(receiverBell), std::move(idleTimer)));
 }
 
-ClientTurns::ClientTurns(std::string server, ConnectionLimits limits, UniqueFd pumpBell, UniqueFd receiverBell,
-                         UniqueFd idleTimer)
+ClientTurns::ClientTurns(std::string server, ConnectionLimits limits, UniqueFd pumpBell,
+                         UniqueFd receiverBell, UniqueFd idleTimer)
     : m_server(std::move(server)),
       m_limits(limits),
       m_pumpBell(std::move(pumpBell)),
@@ -216,16 +216,18 @@ void ClientTurns::Add(std::vector<ServerListener::Peer> peers) {
             if (!MakeRoom(peer.uid)) {
                 static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
                 if (const auto admission = limiter.Admit(peer.uid)) {
-                    HL_LOG(LogLevel::Warning,
-                           "Server {}: refusing a connection of uid {} (pid {}): {} connections are open, {} of "
-                           "that uid, and all have spoken{}",
-                           m_server, peer.uid, peer.pid, m_clients.size(), UidCount(peer.uid), admission.Note());
+                    HL_LOG(
+                        LogLevel::Warning,
+                        "Server {}: refusing a connection of uid {} (pid {}): {} connections are open, {} of "
+                        "that uid, and all have spoken{}",
+                        m_server, peer.uid, peer.pid, m_clients.size(), UidCount(peer.uid), admission.Note());
                 }
                 continue;  // the peer's descriptor closes here
             }
             const uint64_t id = m_nextClient++;
-            m_clients.emplace(id, std::make_shared<ClientConnection>(id, std::move(peer.fd), peer.refused, peer.uid,
-                                                                     peer.pid, m_server, [this] { RingBoth(); }));
+            m_clients.emplace(
+                id, std::make_shared<ClientConnection>(id, std::move(peer.fd), peer.refused, peer.uid,
+                                                       peer.pid, m_server, [this] { RingBoth(); }));
             ++m_perUid[peer.uid];
             m_silent.emplace_back(silentUntil, id);
         }
@@ -244,7 +246,8 @@ bool ClientTurns::MakeRoom(uid_t uid) {
         if (!it->second->HasSpoken() && (!uidFull || it->second->Uid() == uid)) {
             static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
             if (const auto admission = limiter.Admit(uid)) {
-                HL_LOG(LogLevel::Info, "Server {}: closing client {} (pid {}), which has sent nothing, for a new one{}",
+                HL_LOG(LogLevel::Info,
+                       "Server {}: closing client {} (pid {}), which has sent nothing, for a new one{}",
                        m_server, it->first, it->second->Pid(), admission.Note());
             }
             EraseLocked(it);
@@ -283,8 +286,9 @@ int ClientTurns::DropSilent() {
             }
             static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
             if (const auto admission = limiter.Admit(static_cast<uint64_t>(client->second->Pid()))) {
-                HL_LOG(LogLevel::Info, "Server {}: closing client {} (pid {}), which sent nothing within {} ms{}",
-                       m_server, id, client->second->Pid(), m_limits.silent.count(), admission.Note());
+                HL_LOG(LogLevel::Info,
+                       "Server {}: closing client {} (pid {}), which sent nothing within {} ms{}", m_server,
+                       id, client->second->Pid(), m_limits.silent.count(), admission.Note());
             }
             EraseLocked(client);
             m_silent.pop_front();

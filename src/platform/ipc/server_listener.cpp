@@ -137,8 +137,8 @@ std::vector<ServerListener::Peer> ServerListener::Accept() {
                 static hl::diagnostics::LogRateLimiter limiter(1, std::chrono::seconds(1));
                 const int error = errno;
                 if (const auto admission = limiter.Admit()) {
-                    HL_LOG(LogLevel::Error, "Server {}: cannot accept a client: {}{}", m_name, std::strerror(error),
-                           admission.Note());
+                    HL_LOG(LogLevel::Error, "Server {}: cannot accept a client: {}{}", m_name,
+                           std::strerror(error), admission.Note());
                 }
                 std::this_thread::sleep_for(std::chrono::milliseconds(100));
             }
@@ -149,8 +149,8 @@ std::vector<ServerListener::Peer> ServerListener::Accept() {
         if (::getsockopt(fd.Get(), SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
             static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
             if (const auto admission = limiter.Admit()) {
-                HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown{}", m_name,
-                       admission.Note());
+                HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown{}",
+                       m_name, admission.Note());
             }
             continue;
         }

@@ -137,7 +137,9 @@ TEST(PipelinedRequestsTest, EachRequestSentWithoutWaitingGetsItsOwnAnswer) {
 // `shellLimits` runs before it in the shell that starts it (as "ulimit -n 128").
 std::unique_ptr<testing::PeerProcess> StartManager(const std::string& shellLimits = {}) {
     return testing::PeerProcess::Start(
-        {"/bin/sh", "-c", shellLimits + "\nexec 2>&1; exec \"$0\" run --name waiter -- /bin/sh -c 'echo ready; exec cat >/dev/null'",
+        {"/bin/sh", "-c",
+         shellLimits +
+             "\nexec 2>&1; exec \"$0\" run --name waiter -- /bin/sh -c 'echo ready; exec cat >/dev/null'",
          HL_APPMGR});
 }
 
@@ -159,11 +161,12 @@ uint16_t Resolve(testing::RawSocket& raw, const std::string& endpoint) {
 }
 
 // The lines of `process` that contain `text`, among those it writes within `period` from now.
-std::size_t CountLines(testing::PeerProcess& process, const std::string& text, std::chrono::milliseconds period) {
+std::size_t CountLines(testing::PeerProcess& process, const std::string& text,
+                       std::chrono::milliseconds period) {
     std::size_t count = 0;
     const auto until = std::chrono::steady_clock::now() + period;
-    for (auto left = period; left.count() > 0;
-         left = std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now())) {
+    for (auto left = period; left.count() > 0; left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                                                   until - std::chrono::steady_clock::now())) {
         const auto line = process.ReadLine(left);
         count += line && line->find(text) != std::string::npos ? 1 : 0;
     }
@@ -240,7 +243,8 @@ TEST(ServerLimitsTest, FloodOfRefusedFramesLogsABoundedNumberOfLinesWithWhatThey
         }
     };
     std::size_t refused = 0;
-    for (const auto until = std::chrono::steady_clock::now() + 2s; std::chrono::steady_clock::now() < until;) {
+    for (const auto until = std::chrono::steady_clock::now() + 2s;
+         std::chrono::steady_clock::now() < until;) {
         ASSERT_TRUE(raw.Send(shortPacket));
         const auto answer = raw.Receive(10s);
         ASSERT_TRUE(answer.has_value()) << "no answer after " << refused << " refusals";

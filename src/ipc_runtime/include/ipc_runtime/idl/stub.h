@@ -116,8 +116,9 @@ private:
             // A client may send nothing else: a few lines a second for each method.
             static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
             if (const auto admission = limiter.Admit()) {
-                std::fprintf(stderr, "hosipc: malformed request of %.*s: %s%s\n", static_cast<int>(M::kName.size()),
-                             M::kName.data(), error.what(), admission.Note().c_str());
+                std::fprintf(stderr, "hosipc: malformed request of %.*s: %s%s\n",
+                             static_cast<int>(M::kName.size()), M::kName.data(), error.what(),
+                             admission.Note().c_str());
             }
             throw;
         }
