@@ -1,6 +1,7 @@
 #include <ipc_runtime/server/serving_host.h>
 
 #include <diagnostics/log.h>
+#include <diagnostics/log_rate_limiter.h>
 
 #include <platform/ipc_dispatcher/publish_services.h>
 #include <platform/platform.h>
@@ -12,18 +13,36 @@ namespace hosipc::server {
 
 namespace {
 using hos::logger::LogLevel;
+
+// Closes the handles of `request` from descriptor `taken` on, and marks those descriptors invalid
+// so that serving a kept request again closes nothing twice.
+void CloseUntakenHandles(nk_message* request, std::uint32_t taken) {
+    const std::uint32_t count = nk_message_handle_count(request);
+    for (std::uint32_t i = taken; i < count; ++i) {
+        nk_handle_desc* descriptor = nk_message_handle_desc(request, i);
+        const std::uint32_t handle = nk_handle_desc_get(descriptor);
+        if (handle != NK_INVALID_HANDLE) {
+            KnHandleClose(handle);
+            nk_handle_desc_set(descriptor, NK_INVALID_HANDLE);
+        }
+    }
+}
 }  // namespace
 
 ServingHost::ServingHost(ComponentTree tree, const std::string& serverName, ServerOptions options,
                          std::shared_ptr<DeferredReplies> deferred)
     : m_tree(std::move(tree)),
       m_options(options),
+      m_handleRoom(options.handleRoom),
       m_deferred(deferred ? std::move(deferred) : std::make_shared<DeferredReplies>()),
       m_channel(NK_INVALID_HANDLE),
       m_request(options.messageRoom),
       m_requestArena(options.requestArenaRoom),
       m_response(options.messageRoom),
       m_responseArena(options.responseArenaRoom) {
+    for (const ComponentTree::Endpoint& endpoint : m_tree.Endpoints()) {
+        m_handleRoom = std::max(m_handleRoom, endpoint.mostRequestHandles);
+    }
     if (m_tree.Declare() != 0) {
         throw std::runtime_error("can't declare the component tree " + m_tree.TypeName());
     }
@@ -50,7 +69,7 @@ ServingHost::~ServingHost() {
     }
 }
 
-void ServingHost::Dispatch(const nk_message* request, nk_arena* requestArena) {
+void ServingHost::Dispatch(nk_message* request, nk_arena* requestArena) {
     // Nothing of the last reply stays behind: its message and the part of the arena it used.
     std::fill(m_response.begin(), m_response.end(), static_cast<unsigned char>(0));
     std::fill(m_responseArena.begin(), m_responseArena.begin() + static_cast<std::ptrdiff_t>(m_responseArenaUsed),
@@ -65,20 +84,25 @@ void ServingHost::Dispatch(const nk_message* request, nk_arena* requestArena) {
     const auto served = std::find_if(endpoints.begin(), endpoints.end(),
                                      [&](const ComponentTree::Endpoint& e) { return e.riid == request->iid; });
     if (served == endpoints.end()) {
-        HL_LOG(LogLevel::Warning, "request for the unknown interface {} (method {}) refused", request->iid,
-               request->mid);
+        static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+        if (const auto admission = limiter.Admit(m_transport.pendingClient)) {
+            HL_LOG(LogLevel::Warning, "request for the unknown interface {} (method {}) refused{}",
+                   request->iid, request->mid, admission.Note());
+        }
         response->sizeFlags = NK_SERVER_FAILURE_WORD;
+        CloseUntakenHandles(request, 0);
         return;
     }
     served->stub->DispatchRequest(static_cast<unsigned short>(request->iid), request, requestArena, response,
                                   &m_responseArenaView);
     m_responseArenaUsed = static_cast<std::size_t>(m_responseArenaView.cursor - m_responseArenaView.start);
+    CloseUntakenHandles(request, served->requestHandles(static_cast<std::uint16_t>(request->mid)));
 }
 
 ServingHost::Report ServingHost::ServeOne(unsigned int timeoutMs) {
     Report report;
     auto* request = reinterpret_cast<nk_message*>(m_request.data());
-    request->sizeFlags = nk_size_word(static_cast<std::uint32_t>(m_options.messageRoom), m_options.handleRoom);
+    request->sizeFlags = nk_size_word(static_cast<std::uint32_t>(m_options.messageRoom), m_handleRoom);
     nk_arena requestArena{m_requestArena.data(), m_requestArena.data(),
                           m_requestArena.data() + m_requestArena.size()};
     NkHosSetTransportTimeouts(&m_transport, timeoutMs, m_options.replyTimeoutMs);

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include <diagnostics/log.h>
+#include <diagnostics/log_rate_limiter.h>
 #include <platform/nk_result.h>
 
 #include "core/deadline.h"
@@ -26,11 +27,13 @@ constexpr auto kOutboxLimit = std::chrono::seconds(5);
 
 }  // namespace
 
-ClientConnection::ClientConnection(uint64_t id, UniqueFd fd, bool refused, std::string server,
-                                   std::function<void()> outboxFilled)
+ClientConnection::ClientConnection(uint64_t id, UniqueFd fd, bool refused, uid_t uid, pid_t pid,
+                                   std::string server, std::function<void()> outboxFilled)
     : m_id(id),
       m_fd(std::move(fd)),
       m_refused(refused),
+      m_uid(uid),
+      m_pid(pid),
       m_server(std::move(server)),
       m_outboxFilled(std::move(outboxFilled)) {}
 
@@ -42,11 +45,17 @@ ClientConnection::ReadOutcome ClientConnection::Read(std::vector<uint8_t>& buffe
         if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)) {
             return ReadOutcome::Nothing;
         }
+        if (got > 0) {
+            m_spoken.store(true, std::memory_order_relaxed);
+        }
         if (got == static_cast<ssize_t>(sizeof(head)) && DecodeHeader(head).kind == FrameKind::Request) {
             return ReadOutcome::Parked;
         }
     }
     const ReadResult read = ReadPacket(m_fd.Get(), buffer, fds);
+    if (read.status != ReadStatus::WouldBlock) {
+        m_spoken.store(true, std::memory_order_relaxed);
+    }
     if (m_refused && read.status != ReadStatus::WouldBlock) {
         if (read.status != ReadStatus::Closed && read.status != ReadStatus::Failed) {
             Refuse(buffer.data(), read.length, NK_EACCESS, "peer of another user");
@@ -93,7 +102,11 @@ void ClientConnection::AnswerResolve(const ParsedFrame& frame) {
     const std::string_view name(reinterpret_cast<const char*>(frame.arena.data()), frame.arena.size());
     const int riid = Task::Self().Resolve(name);
     if (riid < 0) {
-        HL_LOG(LogLevel::Info, "Server {}: no endpoint answers to \"{}\"", m_server, name);
+        static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+        if (const auto admission = limiter.Admit(static_cast<uint64_t>(m_pid))) {
+            HL_LOG(LogLevel::Info, "Server {}: no endpoint answers to \"{}\"{}", m_server, name,
+                   admission.Note());
+        }
     }
     FrameHeader answer;
     answer.kind = FrameKind::Resolved;
@@ -109,8 +122,12 @@ void ClientConnection::AnswerResolve(const ParsedFrame& frame) {
 }
 
 void ClientConnection::Refuse(const uint8_t* packet, size_t length, int code, const std::string& reason) {
-    HL_LOG(LogLevel::Warning, "Server {}: refused a frame from client {}: {} ({:#x})", m_server, m_id, reason,
-           static_cast<uint32_t>(code));
+    // A client may send nothing but bad frames: a few lines a second per peer, counting the rest.
+    static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+    if (const auto admission = limiter.Admit(static_cast<uint64_t>(m_pid))) {
+        HL_LOG(LogLevel::Warning, "Server {}: refused a frame from client {} (pid {}): {} ({:#x}){}",
+               m_server, m_id, m_pid, reason, static_cast<uint32_t>(code), admission.Note());
+    }
     FrameHeader answer;
     answer.kind = FrameKind::Refused;
     if (packet != nullptr && length >= NK_MESSAGE_HEADER_SIZE) {

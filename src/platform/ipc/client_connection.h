@@ -18,6 +18,7 @@
 // (`Refuse`, `SendResponse`, `FlushOutbox`) from any thread, ordered by the outbox's lock.
 #pragma once
 
+#include <sys/types.h>
 #include <sys/uio.h>
 
 #include <atomic>
@@ -48,8 +49,8 @@ public:
         Gone,     // the client has closed, failed, or was refused: drop it
     };
 
-    // `server` names the channel in log lines.
-    ClientConnection(uint64_t id, UniqueFd fd, bool refused, std::string server,
+    // `server` names the channel in log lines; `uid` and `pid` are the peer's credentials.
+    ClientConnection(uint64_t id, UniqueFd fd, bool refused, uid_t uid, pid_t pid, std::string server,
                      std::function<void()> outboxFilled);
 
     ClientConnection(const ClientConnection&) = delete;
@@ -57,6 +58,10 @@ public:
 
     uint64_t Id() const { return m_id; }
     int Fd() const { return m_fd.Get(); }
+    uid_t Uid() const { return m_uid; }
+    pid_t Pid() const { return m_pid; }
+    // True once the client has sent anything; a client that stays silent may be closed for others.
+    bool HasSpoken() const { return m_spoken.load(std::memory_order_relaxed); }
 
     // Reads one frame into `buffer` and `fds`; for a request also sets `length` and `frame`. With
     // `peekRequests` a request stays in the socket (Parked).
@@ -90,6 +95,9 @@ private:
     const uint64_t m_id;
     const UniqueFd m_fd;
     const bool m_refused;  // a peer of another user: its first frame is refused, then it goes
+    const uid_t m_uid;
+    const pid_t m_pid;
+    std::atomic<bool> m_spoken{false};
     const std::string m_server;
     const std::function<void()> m_outboxFilled;
 

@@ -1,14 +1,17 @@
 #include "ipc/client_turns.h"
 
 #include <sys/eventfd.h>
+#include <sys/resource.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <mutex>
 
 #include <diagnostics/log.h>
+#include <diagnostics/log_rate_limiter.h>
 #include <platform/nk_result.h>
 
 namespace hos::platform {
@@ -30,9 +33,40 @@ void Clear(int eventFd) {
     [[maybe_unused]] const ssize_t got = ::read(eventFd, &value, sizeof(value));
 }
 
+// Descriptors kept for the process's own files beside its clients.
+constexpr rlim_t kReservedDescriptors = 64;
+constexpr std::size_t kMostConnections = 4096;
+constexpr auto kSilentLimit = std::chrono::seconds(5);
+
 }  // namespace
 
-std::unique_ptr<ClientTurns> ClientTurns::Create(std::string server, int& rc) {
+ConnectionLimits ConnectionLimits::ForThisProcess() {
+    static std::once_flag raised;
+    std::call_once(raised, [] {
+        rlimit limit{};
+        if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+            const rlim_t before = limit.rlim_cur;
+            limit.rlim_cur = limit.rlim_max;
+            if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
+                HL_LOG(LogLevel::Warning, "cannot raise the descriptor limit from {} to {}: {}", before,
+                       limit.rlim_max, std::strerror(errno));
+            }
+        }
+    });
+    rlimit limit{};
+    rlim_t descriptors = 1024;
+    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        descriptors = limit.rlim_cur;
+    }
+    const rlim_t spare = descriptors > kReservedDescriptors ? descriptors - kReservedDescriptors : 0;
+    ConnectionLimits limits;
+    limits.total = std::clamp<std::size_t>(static_cast<std::size_t>(spare / 2), 8, kMostConnections);
+    limits.perUid = std::max<std::size_t>(limits.total / 2, 4);
+    limits.silent = kSilentLimit;
+    return limits;
+}
+
+std::unique_ptr<ClientTurns> ClientTurns::Create(std::string server, ConnectionLimits limits, int& rc) {
     UniqueFd pumpBell(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     UniqueFd receiverBell(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     UniqueFd idleTimer(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
@@ -42,12 +76,14 @@ std::unique_ptr<ClientTurns> ClientTurns::Create(std::string server, int& rc) {
         return nullptr;
     }
     rc = NK_EOK;
-    return std::unique_ptr<ClientTurns>(new ClientTurns(std::move(server), std::move(pumpBell),
+    return std::unique_ptr<ClientTurns>(new ClientTurns(std::move(server), limits, std::move(pumpBell),
                                                         std::move(receiverBell), std::move(idleTimer)));
 }
 
-ClientTurns::ClientTurns(std::string server, UniqueFd pumpBell, UniqueFd receiverBell, UniqueFd idleTimer)
+ClientTurns::ClientTurns(std::string server, ConnectionLimits limits, UniqueFd pumpBell,
+                         UniqueFd receiverBell, UniqueFd idleTimer)
     : m_server(std::move(server)),
+      m_limits(limits),
       m_pumpBell(std::move(pumpBell)),
       m_receiverBell(std::move(receiverBell)),
       m_idleTimer(std::move(idleTimer)) {}
@@ -175,14 +211,94 @@ void ClientTurns::Add(std::vector<ServerListener::Peer> peers) {
     }
     {
         std::lock_guard lock(m_mutex);
+        const auto silentUntil = Clock::now() + m_limits.silent;
         for (auto& peer : peers) {
+            if (!MakeRoom(peer.uid)) {
+                static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+                if (const auto admission = limiter.Admit(peer.uid)) {
+                    HL_LOG(
+                        LogLevel::Warning,
+                        "Server {}: refusing a connection of uid {} (pid {}): {} connections are open, {} of "
+                        "that uid, and all have spoken{}",
+                        m_server, peer.uid, peer.pid, m_clients.size(), UidCount(peer.uid), admission.Note());
+                }
+                continue;  // the peer's descriptor closes here
+            }
             const uint64_t id = m_nextClient++;
-            m_clients.emplace(id, std::make_shared<ClientConnection>(id, std::move(peer.fd), peer.refused,
-                                                                     m_server, [this] { RingBoth(); }));
+            m_clients.emplace(
+                id, std::make_shared<ClientConnection>(id, std::move(peer.fd), peer.refused, peer.uid,
+                                                       peer.pid, m_server, [this] { RingBoth(); }));
+            ++m_perUid[peer.uid];
+            m_silent.emplace_back(silentUntil, id);
         }
         ++m_generation;
     }
     Ring(m_receiverBell.Get());
+}
+
+bool ClientTurns::MakeRoom(uid_t uid) {
+    const bool uidFull = UidCount(uid) >= m_limits.perUid;
+    if (!uidFull && m_clients.size() < m_limits.total) {
+        return true;
+    }
+    // The oldest connection that has never spoken (of this uid when the uid is at its bound).
+    for (auto it = m_clients.begin(); it != m_clients.end(); ++it) {
+        if (!it->second->HasSpoken() && (!uidFull || it->second->Uid() == uid)) {
+            static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+            if (const auto admission = limiter.Admit(uid)) {
+                HL_LOG(LogLevel::Info,
+                       "Server {}: closing client {} (pid {}), which has sent nothing, for a new one{}",
+                       m_server, it->first, it->second->Pid(), admission.Note());
+            }
+            EraseLocked(it);
+            return true;
+        }
+    }
+    return false;
+}
+
+void ClientTurns::EraseLocked(std::map<uint64_t, std::shared_ptr<ClientConnection>>::iterator client) {
+    // Others may hold the connection a moment longer; the client learns at once that it is over.
+    client->second->Disconnect();
+    if (auto count = m_perUid.find(client->second->Uid()); count != m_perUid.end() && --count->second == 0) {
+        m_perUid.erase(count);
+    }
+    m_clients.erase(client);
+    ++m_generation;
+}
+
+int ClientTurns::DropSilent() {
+    bool dropped = false;
+    int leftMs = -1;
+    {
+        std::lock_guard lock(m_mutex);
+        const auto now = Clock::now();
+        while (!m_silent.empty()) {
+            const auto [until, id] = m_silent.front();
+            const auto client = m_clients.find(id);
+            if (client == m_clients.end() || client->second->HasSpoken()) {
+                m_silent.pop_front();
+                continue;
+            }
+            if (until > now) {
+                leftMs = static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(until - now).count());
+                break;
+            }
+            static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+            if (const auto admission = limiter.Admit(static_cast<uint64_t>(client->second->Pid()))) {
+                HL_LOG(LogLevel::Info,
+                       "Server {}: closing client {} (pid {}), which sent nothing within {} ms{}", m_server,
+                       id, client->second->Pid(), m_limits.silent.count(), admission.Note());
+            }
+            EraseLocked(client);
+            m_silent.pop_front();
+            dropped = true;
+        }
+    }
+    if (dropped) {
+        Ring(m_receiverBell.Get());
+    }
+    return leftMs;
 }
 
 bool ClientTurns::Current(ClientList& clients, uint64_t& generation) {
@@ -213,19 +329,10 @@ std::shared_ptr<ClientConnection> ClientTurns::Find(uint64_t id) {
 }
 
 void ClientTurns::Drop(uint64_t id) {
-    std::shared_ptr<ClientConnection> dropped;
-    {
-        std::lock_guard lock(m_mutex);
-        const auto found = m_clients.find(id);
-        if (found == m_clients.end()) {
-            return;
-        }
-        dropped = std::move(found->second);
-        m_clients.erase(found);
-        ++m_generation;
+    std::lock_guard lock(m_mutex);
+    if (const auto found = m_clients.find(id); found != m_clients.end()) {
+        EraseLocked(found);
     }
-    // Others may hold the connection a moment longer; the client learns at once that it is over.
-    dropped->Disconnect();
 }
 
 void ClientTurns::DropAll() {
@@ -233,6 +340,8 @@ void ClientTurns::DropAll() {
     {
         std::lock_guard lock(m_mutex);
         clients.swap(m_clients);
+        m_perUid.clear();
+        m_silent.clear();
         ++m_generation;
     }
     // A receiver may still hold a client for a moment; shutting the sockets down ends every

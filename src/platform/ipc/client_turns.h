@@ -17,6 +17,12 @@
 // Among the clients with a request waiting the receiver takes them in turn, starting after the one
 // it served last (`FirstInTurn`, `Served`), so a client that floods gets its share and no more.
 //
+// Connections are bounded (ConnectionLimits): in total and per uid, with room kept for the
+// process's other descriptors. A connection beyond a bound takes the place of the oldest one that
+// has never sent anything (of its uid when that uid is at its bound), or is closed when every other
+// has spoken. A connection that sends nothing within a few seconds of connecting is closed
+// (`DropSilent`), so idle connections never keep a client that speaks out.
+//
 // Bells (eventfds) wake the two readers: the pump's when a receiver wants the sockets, the
 // receiver's when the clients change; both when the channel stops or an answer has to wait in a
 // client's outbox (whoever holds the sockets then polls that client for room).
@@ -30,6 +36,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -43,6 +50,18 @@
 
 namespace hos::platform {
 
+// The bounds on a server channel's connections.
+struct ConnectionLimits {
+    std::size_t total = 0;
+    std::size_t perUid = 0;
+    std::chrono::milliseconds silent{0};  // how long a new connection may stay silent
+
+    // Raises this process's soft descriptor limit to the hard one (once), and gives the bounds that
+    // leave room under it: half of what remains above 64 descriptors, at most 4096, and per uid half
+    // of that; 5 seconds of silence.
+    static ConnectionLimits ForThisProcess();
+};
+
 class ClientTurns {
 public:
     // What the pump does in one turn.
@@ -50,7 +69,7 @@ public:
     using ClientList = std::vector<std::shared_ptr<ClientConnection>>;
 
     // `server` names the channel in log lines. Null with `rc` set on failure (logged).
-    static std::unique_ptr<ClientTurns> Create(std::string server, int& rc);
+    static std::unique_ptr<ClientTurns> Create(std::string server, ConnectionLimits limits, int& rc);
 
     ClientTurns(const ClientTurns&) = delete;
     ClientTurns& operator=(const ClientTurns&) = delete;
@@ -74,7 +93,11 @@ public:
     // Sets Stopping and wakes both readers. False when the channel was stopping already.
     bool Stop();
 
+    // Adds the peers within the bounds (see above).
     void Add(std::vector<ServerListener::Peer> peers);
+    // Closes the connections that have sent nothing within the silent time. Returns the
+    // milliseconds until the next one is due, or -1 when none is waiting. Pump thread.
+    int DropSilent();
     // Brings `clients` up to date when the set has changed since `generation`. False when stopping.
     bool Current(ClientList& clients, uint64_t& generation);
     std::shared_ptr<ClientConnection> Find(uint64_t id);
@@ -94,13 +117,24 @@ public:
 private:
     enum class Holder { Pump, ToReceiver, Receiver, Nobody, Stopping };
 
-    ClientTurns(std::string server, UniqueFd pumpBell, UniqueFd receiverBell, UniqueFd idleTimer);
+    ClientTurns(std::string server, ConnectionLimits limits, UniqueFd pumpBell, UniqueFd receiverBell,
+                UniqueFd idleTimer);
+    // Under m_mutex: the connections of `uid`.
+    std::size_t UidCount(uid_t uid) const {
+        const auto found = m_perUid.find(uid);
+        return found != m_perUid.end() ? found->second : 0;
+    }
+    // Under m_mutex: makes room for a connection of `uid`; false when there is none.
+    bool MakeRoom(uid_t uid);
+    // Under m_mutex: removes a client and disconnects it.
+    void EraseLocked(std::map<uint64_t, std::shared_ptr<ClientConnection>>::iterator client);
     void RingBoth() const;
     // Under m_mutex.
     void CopyClients(ClientList& clients, uint64_t& generation) const;
     void ArmIdleTimer(std::chrono::nanoseconds after);
 
     const std::string m_server;
+    const ConnectionLimits m_limits;
     const UniqueFd m_pumpBell;
     const UniqueFd m_receiverBell;
     const UniqueFd m_idleTimer;
@@ -113,6 +147,9 @@ private:
     uint64_t m_nextClient = 1;
     uint64_t m_generation = 0;  // changes whenever a client comes or goes
     std::map<uint64_t, std::shared_ptr<ClientConnection>> m_clients;
+    std::map<uid_t, std::size_t> m_perUid;
+    // Connections not yet known to have spoken, in the order they came, with when they must have.
+    std::deque<std::pair<std::chrono::steady_clock::time_point, uint64_t>> m_silent;
 
     uint64_t m_lastServed = 0;  // the receiver's: the client of the last request received
 };

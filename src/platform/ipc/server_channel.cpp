@@ -54,7 +54,7 @@ std::shared_ptr<ServerChannel> ServerChannel::OpenImpl(const std::string& name, 
     if (!listener) {
         return nullptr;
     }
-    auto turns = ClientTurns::Create(name, rc);
+    auto turns = ClientTurns::Create(name, ConnectionLimits::ForThisProcess(), rc);
     if (!turns) {
         return nullptr;
     }
@@ -114,6 +114,9 @@ void ServerChannel::Run() {
             timeoutMs = PollClients(clients, parked, polled);
         } else {
             continue;  // stopping: the next turn says so
+        }
+        if (const int silentMs = m_turns->DropSilent(); silentMs >= 0) {
+            timeoutMs = timeoutMs < 0 ? silentMs : std::min(timeoutMs, silentMs);
         }
         if (::poll(polled.data(), polled.size(), timeoutMs) < 0) {
             if (errno == EINTR) {

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include <diagnostics/log.h>
+#include <diagnostics/log_rate_limiter.h>
 #include <platform/nk_result.h>
 #include <platform/runtime_directory.h>
 
@@ -131,9 +132,14 @@ std::vector<ServerListener::Peer> ServerListener::Accept() {
                 continue;
             }
             if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
-                // The client stays in the backlog; pausing keeps the pump from spinning on it.
-                HL_LOG(LogLevel::Error, "Server {}: cannot accept a client: {}", m_name,
-                       std::strerror(errno));
+                // The client stays in the backlog; pausing keeps the pump from spinning on it. The
+                // condition lasts until descriptors come free: said once a second at most.
+                static hl::diagnostics::LogRateLimiter limiter(1, std::chrono::seconds(1));
+                const int error = errno;
+                if (const auto admission = limiter.Admit()) {
+                    HL_LOG(LogLevel::Error, "Server {}: cannot accept a client: {}{}", m_name,
+                           std::strerror(error), admission.Note());
+                }
                 std::this_thread::sleep_for(std::chrono::milliseconds(100));
             }
             break;
@@ -141,15 +147,24 @@ std::vector<ServerListener::Peer> ServerListener::Accept() {
         ucred credentials{};
         socklen_t length = sizeof(credentials);
         if (::getsockopt(fd.Get(), SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
-            HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown", m_name);
+            static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+            if (const auto admission = limiter.Admit()) {
+                HL_LOG(LogLevel::Warning, "Server {}: refusing a peer whose credentials are unknown{}",
+                       m_name, admission.Note());
+            }
             continue;
         }
         Peer peer;
         peer.fd = std::move(fd);
+        peer.uid = credentials.uid;
+        peer.pid = credentials.pid;
         if (credentials.uid != m_allowedUid) {
-            HL_LOG(LogLevel::Warning,
-                   "Server {}: refusing a peer of uid {} (pid {}): only uid {} may connect", m_name,
-                   credentials.uid, credentials.pid, m_allowedUid);
+            static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+            if (const auto admission = limiter.Admit(static_cast<uint64_t>(credentials.pid))) {
+                HL_LOG(LogLevel::Warning,
+                       "Server {}: refusing a peer of uid {} (pid {}): only uid {} may connect{}", m_name,
+                       credentials.uid, credentials.pid, m_allowedUid, admission.Note());
+            }
             // Kept until its first frame has been read and refused: closing a socket with unread
             // data would reset the peer before it could read why.
             peer.refused = true;

@@ -27,6 +27,8 @@ public:
     struct Peer {
         UniqueFd fd;
         bool refused = false;  // of another uid than the allowed one
+        uid_t uid = 0;
+        pid_t pid = 0;
     };
 
     // Binds and listens on the socket of `name`. Null with `rc` set on failure (logged).

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
+#include <set>
 
 #include <diagnostics/log.h>
 
@@ -39,8 +41,14 @@ bool EnsureOwnDirectory(const std::string& path) {
         return false;
     }
     if ((info.st_mode & 0077) != 0) {
-        HL_LOG(LogLevel::Warning, "Runtime directory {} is open to other users (mode {:o})", path,
-               info.st_mode & 0777);
+        // Callers come back here often (a status file written every few hundred ms): said once.
+        static std::mutex mutex;
+        static std::set<std::string> warned;
+        std::lock_guard lock(mutex);
+        if (warned.insert(path).second) {
+            HL_LOG(LogLevel::Warning, "Runtime directory {} is open to other users (mode {:o})", path,
+                   info.st_mode & 0777);
+        }
     }
     return true;
 }

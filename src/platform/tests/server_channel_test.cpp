@@ -87,7 +87,7 @@ int Enter(ClientTurns& turns, const Deadline& deadline) {
 
 TEST(ClientTurnsTest, AReceiverHoldsOnlyOnceThePumpHasLetGoAndThePumpOnlyAfterTheIdleTime) {
     int rc = 0;
-    const auto turns = ClientTurns::Create("turns", rc);
+    const auto turns = ClientTurns::Create("turns", ConnectionLimits::ForThisProcess(), rc);
     ASSERT_NE(turns, nullptr);
     ASSERT_EQ(turns->PumpTurn(), ClientTurns::PumpRole::Read);  // a channel starts with the pump reading
     std::atomic<bool> holding{false};
@@ -115,7 +115,7 @@ TEST(ClientTurnsTest, AReceiverHoldsOnlyOnceThePumpHasLetGoAndThePumpOnlyAfterTh
 
 TEST(ClientTurnsTest, StopEndsAReceiverWaitingForThePumpAndThePump) {
     int rc = 0;
-    const auto turns = ClientTurns::Create("turns", rc);
+    const auto turns = ClientTurns::Create("turns", ConnectionLimits::ForThisProcess(), rc);
     ASSERT_NE(turns, nullptr);
     auto receiver = std::async(std::launch::async, [&] { return Enter(*turns, Deadline::Never()); });
     ASSERT_EQ(WaitReadable(turns->PumpBell(), Deadline::FromTimeoutMs(5000)), 1);

@@ -33,6 +33,7 @@ public:
     void Send(const std::string& line);
     // Ends the process with SIGKILL and reaps it.
     void Kill();
+    pid_t Pid() const { return m_pid; }
 
 private:
     PeerProcess() = default;

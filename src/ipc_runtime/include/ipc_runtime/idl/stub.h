@@ -4,6 +4,9 @@
 #include <ipc_runtime/idl/interface_description.h>
 #include <ipc_runtime/shared_resource_provider.h>
 
+#include <diagnostics/log_rate_limiter.h>
+
+#include <chrono>
 #include <cstdio>
 #include <stdexcept>
 #include <string>
@@ -33,7 +36,31 @@ public:
         Dispatch(typename InterfaceDescription<T>::Methods{}, request, requestArena, response, responseArena);
     }
 
+    // The handles a request of method `mid` carries to the implementation: its first descriptors,
+    // as many as the method's handle fields (0 for an unknown method). The serving host closes the
+    // others.
+    static std::uint32_t RequestHandles(std::uint16_t mid) {
+        return RequestHandlesOf(typename InterfaceDescription<T>::Methods{}, mid);
+    }
+    // The most handles any request of the interface carries.
+    static constexpr std::uint32_t MostRequestHandles() {
+        return MostRequestHandlesOf(typename InterfaceDescription<T>::Methods{});
+    }
+
 private:
+    template <typename... Methods>
+    static std::uint32_t RequestHandlesOf(MethodList<Methods...>, std::uint16_t mid) {
+        std::uint32_t handles = 0;
+        (void)(((Methods::kMid == mid) && (handles = Methods::Request::kHandles, true)) || ...);
+        return handles;
+    }
+    template <typename... Methods>
+    static constexpr std::uint32_t MostRequestHandlesOf(MethodList<Methods...>) {
+        std::uint32_t most = 0;
+        ((most = Methods::Request::kHandles > most ? Methods::Request::kHandles : most), ...);
+        return most;
+    }
+
     template <typename... Methods>
     void Dispatch(MethodList<Methods...>, const nk_message* request, const nk_arena* requestArena,
                   nk_message* response, nk_arena* responseArena) {
@@ -86,8 +113,13 @@ private:
             }
             return std::tuple<typename In::Value...>{In::Unpack(request, requestArena)...};
         } catch (const std::exception& error) {
-            std::fprintf(stderr, "hosipc: malformed request of %.*s: %s\n", static_cast<int>(M::kName.size()),
-                         M::kName.data(), error.what());
+            // A client may send nothing else: a few lines a second for each method.
+            static hl::diagnostics::LogRateLimiter limiter(3, std::chrono::seconds(1));
+            if (const auto admission = limiter.Admit()) {
+                std::fprintf(stderr, "hosipc: malformed request of %.*s: %s%s\n",
+                             static_cast<int>(M::kName.size()), M::kName.data(), error.what(),
+                             admission.Note().c_str());
+            }
             throw;
         }
     }

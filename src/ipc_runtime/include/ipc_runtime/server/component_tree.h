@@ -17,6 +17,7 @@
 
 #include <platform/hos_task.h>
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -32,6 +33,9 @@ public:
         std::string shortName;
         std::string interfaceType;
         std::unique_ptr<hosipc_detail::api_v1::IDispatcher> stub;
+        // The handles a request of a method takes (see Stub::RequestHandles), and the most of any.
+        std::uint32_t (*requestHandles)(std::uint16_t mid) = nullptr;
+        std::uint32_t mostRequestHandles = 0;
     };
     struct Service {
         std::string fullName;  // the type published under the server's name
@@ -50,9 +54,10 @@ public:
         if (implementation == nullptr) {
             throw std::invalid_argument(m_typeName + ": the implementation of " + interfaceType + " is null");
         }
+        using Stub = hosipc_detail::idl_traits::Stub<Interface>;
         m_endpoints.push_back({riid, std::move(fullName), std::move(shortName), std::move(interfaceType),
-                               std::make_unique<hosipc_detail::idl_traits::Stub<Interface>>(implementation,
-                                                                                           Resources())});
+                               std::make_unique<Stub>(implementation, Resources()), &Stub::RequestHandles,
+                               Stub::MostRequestHandles()});
         return *this;
     }
     // A service component over every endpoint served, published under the server's name.

@@ -8,8 +8,13 @@
 //   while (!stop) { host.ServeOne(500); }
 //
 // A request of an interface the tree does not serve is answered with the server failure word and the
-// log line "request for the unknown interface I (method M) refused"; a method the stub does not know
-// gets the bare header back.
+// log line "request for the unknown interface I (method M) refused" (a few a second, with a count of
+// those left out); a method the stub does not know gets the bare header back.
+//
+// Handles: a request may carry as many handles as the most any described request of the tree takes
+// (or `handleRoom`, when larger); more are refused by the platform. Once a request has been served,
+// every handle it brought that its method does not take (all of them for an unknown interface or
+// method) is closed, so no request leaves a handle behind in the server.
 //
 // Deferred replies (deferred_replies.h): a request that the implementation marks is kept, with the
 // transport state that answers its client, instead of being answered. A woken one is served again
@@ -37,7 +42,7 @@ namespace hosipc::server {
 
 struct ServerOptions {
     std::size_t messageRoom = 512;          // bytes of a request or a reply message
-    unsigned int handleRoom = 0;            // handle descriptors a request may carry
+    unsigned int handleRoom = 0;            // at least this many handle descriptors a request may carry
     std::size_t requestArenaRoom = 2048;
     std::size_t responseArenaRoom = 2048;
     unsigned int replyTimeoutMs = NK_TIMEOUT_INFINITE;
@@ -71,12 +76,14 @@ private:
         std::vector<unsigned char> arena;
         std::chrono::steady_clock::time_point since;
     };
-    // Serves request through its stub into the response buffers.
-    void Dispatch(const nk_message* request, nk_arena* requestArena);
+    // Serves request through its stub into the response buffers, then closes the handles that its
+    // method does not take and marks their descriptors invalid.
+    void Dispatch(nk_message* request, nk_arena* requestArena);
     void AnswerDeferred(Report& report);
 
     ComponentTree m_tree;
     const ServerOptions m_options;
+    unsigned int m_handleRoom;
     std::shared_ptr<DeferredReplies> m_deferred;
     unsigned int m_channel;
     NkHosTransport m_transport{};
