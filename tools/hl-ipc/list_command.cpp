@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,20 +19,10 @@
 namespace hl_ipc {
 namespace {
 
-constexpr const char* kUsage =
-    "Usage: hl-ipc list [--json]\n"
-    "\n"
-    "Shows what is published in the runtime directory: each type with the server and endpoint\n"
-    "that serve it and the publishing process, and each server socket with whether a server\n"
-    "answers on it (\"live\") or its owner has gone (\"stale\").\n"
-    "\n"
-    "Options:\n"
-    "  --json    one JSON object instead of text:\n"
-    "            {\"runtime_directory\": PATH,\n"
-    "             \"types\": [{\"type\", \"server\", \"endpoint\", \"pid\", \"pid_alive\"}, ...],\n"
-    "             \"servers\": [{\"name\", \"state\": \"live\" or \"stale\"}, ...]}\n"
-    "\n"
-    "Exit codes: 0 listed (also when empty); 1 usage error.\n";
+constexpr const char* kDescription =
+    "Shows what is published in the runtime directory: each type with the server and endpoint that\n"
+    "serve it and the publishing process, and each server socket with whether a server answers on it\n"
+    "(\"live\") or its owner has gone (\"stale\").";
 
 bool IsLive(const std::string& server) {
     const unsigned int handle = ServiceLocatorConnect(server.c_str());
@@ -88,15 +79,7 @@ void PrintJson(const Listing& listing) {
     std::fputs(out.c_str(), stdout);
 }
 
-}  // namespace
-
-int RunList(const std::vector<std::string>& arguments) {
-    const bool json = arguments.size() == 1 && arguments[0] == "--json";
-    if (!arguments.empty() && !json) {
-        const bool help = arguments[0] == "--help" || arguments[0] == "-h";
-        std::fputs(kUsage, help ? stdout : stderr);
-        return help ? 0 : 1;
-    }
+int RunList(bool json) {
     const auto registry = hos::platform::CreateServiceRegistry();
     const Listing listing{hos::platform::runtime_directory::Path(), registry->List(),
                           registry->ListServers()};
@@ -105,7 +88,19 @@ int RunList(const std::vector<std::string>& arguments) {
     } else {
         PrintText(listing);
     }
-    return 0;
+    return kExitOk;
+}
+
+}  // namespace
+
+Command AddList(CLI::App& app) {
+    auto* list = app.add_subcommand("list", "show the published types and the servers of the runtime directory");
+    list->footer(std::string(kDescription) + "\n\n" + app.get_footer());
+    auto json = std::make_shared<bool>(false);
+    list->add_flag("--json", *json,
+                   "one JSON object: {\"runtime_directory\": PATH, \"types\": [{\"type\", \"server\", "
+                   "\"endpoint\", \"pid\", \"pid_alive\"}, ...], \"servers\": [{\"name\", \"state\"}, ...]}");
+    return {list, [json] { return RunList(*json); }};
 }
 
 }  // namespace hl_ipc
