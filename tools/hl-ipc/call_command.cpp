@@ -13,6 +13,12 @@
 #include <platform/nk_transport.h>
 
 #include "commands.h"
+#include "core/json_codec.h"
+
+#include <interfaces/catalogue.h>
+#include <nlohmann/json.hpp>
+
+#include <exception>
 #include <hl_cli/hex.h>
 #include <hl_cli/tool.h>
 
@@ -20,6 +26,12 @@ namespace hl_ipc {
 namespace {
 
 constexpr const char* kRawHelp =
+    "METHOD is a method of the interface that SERVICE names (its IDL name, or a published type that\n"
+    "begins with it), or INTERFACE.METHOD; JSON is an object of its inputs by field name, as\n"
+    "hl-ipc introspect lists them: integers as numbers, byte sequences as strings or {\"hex\": HEX}.\n"
+    "The answer's fields are printed as one JSON object. Example:\n"
+    "  hl-ipc call accessArbiter_id hl.access_arbiter.AccessArbiter.accessArbiter GetUserDecision\n"
+    "\n"
     "With --raw, METHOD is IID MID HEX: one request of a 24-byte header with IID and MID, followed by\n"
     "the bytes of HEX as the method's fields. IID may be '-' for the riid that the handshake answers,\n"
     "HEX '-' for none. Prints the result code, the response header, its fields and its arena in hex.";
@@ -28,13 +40,18 @@ struct CallOptions {
     bool raw = false;
     std::string server;
     std::string service;
-    std::vector<std::string> method;  // --raw: IID MID HEX
+    std::vector<std::string> method;  // METHOD [JSON], or with --raw IID MID HEX
     std::string arenaHex;
-    unsigned int timeoutMs = 5000;
+    unsigned int timeoutMs = 25000;
     std::uint32_t responseRoom = 8192;
     std::uint32_t handleRoom = 8;
     std::uint32_t arenaRoom = 131072;
 };
+
+// The transport's time limit of --timeout: 0 is none.
+unsigned int Limit(const CallOptions& options) {
+    return options.timeoutMs == 0 ? NK_TIMEOUT_INFINITE : options.timeoutMs;
+}
 
 struct RawRequest {
     std::optional<unsigned long> iid;  // nothing: the resolved riid
@@ -107,7 +124,7 @@ int RunRawCall(const CallOptions& options) {
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
     const int connected =
-        KnCmConnect(options.server.c_str(), options.service.c_str(), options.timeoutMs, &handle, &riid);
+        KnCmConnect(options.server.c_str(), options.service.c_str(), Limit(options), &handle, &riid);
     if (connected != NK_EOK) {
         std::fprintf(stderr, "hl-ipc: connect to '%s' '%s': 0x%08x (%s)\n", options.server.c_str(),
                      options.service.c_str(), static_cast<unsigned int>(connected), NkResultText(connected));
@@ -137,7 +154,7 @@ int RunRawCall(const CallOptions& options) {
 
     NkHosTransport transport;
     NkHosTransport_Init(&transport, handle, nullptr, 0);
-    NkHosSetTransportTimeouts(&transport, NK_TIMEOUT_INFINITE, options.timeoutMs);
+    NkHosSetTransportTimeouts(&transport, NK_TIMEOUT_INFINITE, Limit(options));
     const int rc = transport.ops->call(&transport, header, &requestArena,
                                        reinterpret_cast<nk_message*>(response.data()), &responseArena);
     KnHandleClose(handle);
@@ -154,12 +171,105 @@ int RunRawCall(const CallOptions& options) {
     return kExitOk;
 }
 
-int RunCall(const CallOptions& options) {
-    if (options.raw) {
-        return RunRawCall(options);
-    }
-    std::fprintf(stderr, "hl-ipc: typed calls are not there yet; use --raw\n");
+int UsageError(const std::string& message) {
+    std::fprintf(stderr, "hl-ipc: %s\nTry 'hl-ipc call --help' for more information.\n", message.c_str());
     return hl::cli::kExitUsage;
+}
+
+// The method that METHOD names: "Method" of the interface SERVICE names, or "interface.Method".
+const interfaces::MethodInfo* FindCalledMethod(const CallOptions& options, std::string& error) {
+    const std::string& text = options.method[0];
+    const interfaces::InterfaceInfo* interface = interfaces::FindInterface(options.service);
+    std::string methodName = text;
+    if (const auto dot = text.rfind('.'); dot != std::string::npos) {
+        interface = interfaces::FindInterface(text.substr(0, dot));
+        methodName = text.substr(dot + 1);
+    }
+    if (interface == nullptr) {
+        error = "no described interface is named by '" + options.service +
+                "'; name the method as INTERFACE.METHOD (see hl-ipc introspect)";
+        return nullptr;
+    }
+    const interfaces::MethodInfo* method = interfaces::FindMethod(*interface, methodName);
+    if (method == nullptr) {
+        error = std::string(interface->name) + " has no method '" + methodName + "' (see hl-ipc introspect " +
+                std::string(interface->name) + ")";
+    }
+    return method;
+}
+
+int RunTypedCall(const CallOptions& options) {
+    if (options.method.size() > 2) {
+        return UsageError("call takes SERVER SERVICE METHOD [JSON]");
+    }
+    std::string error;
+    const interfaces::MethodInfo* method = FindCalledMethod(options, error);
+    if (method == nullptr) {
+        return UsageError(error);
+    }
+    nlohmann::json input;
+    if (options.method.size() == 2) {
+        input = nlohmann::json::parse(options.method[1], nullptr, false);
+        if (input.is_discarded()) {
+            return UsageError("JSON '" + options.method[1] + "' is no JSON document");
+        }
+    }
+    EncodedRequest request(*method);
+    if (!EncodeRequest(*method, input, request, error)) {
+        return UsageError(error);
+    }
+
+    unsigned int handle = NK_INVALID_HANDLE;
+    unsigned int riid = NK_INVALID_RIID;
+    const int connected =
+        KnCmConnect(options.server.c_str(), options.service.c_str(), Limit(options), &handle, &riid);
+    if (connected != NK_EOK) {
+        std::fprintf(stderr, "hl-ipc: connect to '%s' '%s': 0x%08x (%s)\n", options.server.c_str(),
+                     options.service.c_str(), static_cast<unsigned int>(connected), NkResultText(connected));
+        return kExitConnect;
+    }
+    request.Message()->iid = static_cast<std::uint16_t>(riid);
+    std::vector<unsigned char> response(method->responseSize, 0);
+    auto* responseHeader = reinterpret_cast<nk_message*>(response.data());
+    responseHeader->iid = static_cast<std::uint16_t>(riid);
+    responseHeader->mid = method->mid;
+    responseHeader->sizeFlags = method->responseSizeWord;
+    std::vector<unsigned char> responseBytes(method->responseArenaSize);
+    nk_arena responseArena{responseBytes.data(), responseBytes.data(), responseBytes.data() + responseBytes.size()};
+    if (responseBytes.empty()) {
+        responseArena = {nullptr, nullptr, nullptr};
+    }
+
+    NkHosTransport transport;
+    NkHosTransport_Init(&transport, handle, nullptr, 0);
+    NkHosSetTransportTimeouts(&transport, NK_TIMEOUT_INFINITE, Limit(options));
+    const int rc = transport.ops->call(&transport, request.Message(), request.Arena(), responseHeader, &responseArena);
+    KnHandleClose(handle);
+    if (rc != NK_EOK) {
+        std::fprintf(stderr, "hl-ipc: call %.*s: 0x%08x (%s)\n", static_cast<int>(method->name.size()),
+                     method->name.data(), static_cast<unsigned int>(rc), NkResultText(rc));
+        return kExitCall;
+    }
+    if (nk_message_failed(responseHeader)) {
+        std::fprintf(stderr, "hl-ipc: call %.*s: the server failed the request (its failure flag is set)\n",
+                     static_cast<int>(method->name.size()), method->name.data());
+        return kExitServerFailed;
+    }
+    try {
+        std::printf("%s\n", DecodeFields(method->outputs, responseHeader, &responseArena)
+                                .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+                                .c_str());
+    } catch (const std::exception& failure) {
+        // A response whose fields don't read as described (a sequence outside its arena).
+        std::fprintf(stderr, "hl-ipc: call %.*s: the response doesn't match the description: %s\n",
+                     static_cast<int>(method->name.size()), method->name.data(), failure.what());
+        return kExitServerFailed;
+    }
+    return kExitOk;
+}
+
+int RunCall(const CallOptions& options) {
+    return options.raw ? RunRawCall(options) : RunTypedCall(options);
 }
 
 }  // namespace
@@ -171,10 +281,10 @@ Command AddCall(CLI::App& app) {
     call->add_option("SERVER", options->server, "the server (as hl-ipc list shows it)")->required();
     call->add_option("SERVICE", options->service, "the endpoint name or published type to resolve there")
         ->required();
-    call->add_option("METHOD", options->method, "the method and its input (see below)")->required();
+    call->add_option("METHOD", options->method, "the method and its input: METHOD [JSON], or with --raw IID MID HEX")->required();
     call->add_flag("--raw", options->raw, "send raw bytes to raw ids and print the answer in hex");
     call->add_option("--arena", options->arenaHex, "--raw: bytes of the request arena")->option_text("HEX");
-    call->add_option("--timeout", options->timeoutMs, "connect and call timeout (default 5000)")
+    call->add_option("--timeout", options->timeoutMs, "connect and call time limit (default 25000; 0: none, for a method that waits for a person)")
         ->option_text("MS");
     call->add_option("--response-room", options->responseRoom, "--raw: room for the response message (default 8192)")
         ->check(CLI::Range(static_cast<std::uint32_t>(NK_MESSAGE_HEADER_SIZE), static_cast<std::uint32_t>(NK_MESSAGE_SIZE_MASK)))

@@ -14,6 +14,7 @@ enum ExitCode : int {
     kExitConnect = 3,        // no such server or service, or the connect failed
     kExitCall = 4,           // the call failed on the way (timed out, channel closed)
     kExitServerFailed = 5,   // the server answered with its failure flag set
+    kExitUnknownInterface = 6,  // introspect: no described interface of that name
 };
 
 // A subcommand in the parser and what runs when it was chosen (its exit code).
@@ -24,5 +25,6 @@ struct Command {
 
 Command AddList(CLI::App& app);
 Command AddCall(CLI::App& app);
+Command AddIntrospect(CLI::App& app);
 
 }  // namespace hl_ipc

@@ -13,8 +13,9 @@
 #include <platform/runtime_directory.h>
 #include <platform/service_locator.h>
 
+#include <nlohmann/json.hpp>
+
 #include "commands.h"
-#include "json_text.h"
 
 namespace hl_ipc {
 namespace {
@@ -58,25 +59,19 @@ void PrintText(const Listing& listing) {
 }
 
 void PrintJson(const Listing& listing) {
-    std::string out = "{\"runtime_directory\": " + JsonString(listing.root) + ",\n \"types\": [";
-    const char* separator = "";
+    nlohmann::json types = nlohmann::json::array();
     for (const auto& entry : listing.entries) {
-        out += separator;
-        out += "\n  {\"type\": " + JsonString(entry.type) + ", \"server\": " + JsonString(entry.server) +
-               ", \"endpoint\": " + JsonString(entry.endpoint) + ", \"pid\": " + std::to_string(entry.pid) +
-               ", \"pid_alive\": " + (IsProcessAlive(entry.pid) ? "true" : "false") + "}";
-        separator = ",";
+        types.push_back({{"type", entry.type}, {"server", entry.server}, {"endpoint", entry.endpoint},
+                         {"pid", entry.pid}, {"pid_alive", IsProcessAlive(entry.pid)}});
     }
-    out += "],\n \"servers\": [";
-    separator = "";
+    nlohmann::json servers = nlohmann::json::array();
     for (const auto& server : listing.servers) {
-        out += separator;
-        out += "\n  {\"name\": " + JsonString(server) +
-               ", \"state\": " + (IsLive(server) ? "\"live\"" : "\"stale\"") + "}";
-        separator = ",";
+        servers.push_back({{"name", server}, {"state", IsLive(server) ? "live" : "stale"}});
     }
-    out += "]}\n";
-    std::fputs(out.c_str(), stdout);
+    const nlohmann::json document{
+        {"runtime_directory", listing.root}, {"types", std::move(types)}, {"servers", std::move(servers)}};
+    // Names are the registry's bytes; any that are not UTF-8 print as U+FFFD rather than abort.
+    std::printf("%s\n", document.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }
 
 int RunList(bool json) {
