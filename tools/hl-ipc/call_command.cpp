@@ -113,13 +113,16 @@ void PrintResponse(const std::vector<unsigned char>& response, const nk_arena& a
     std::printf("arena (%zu bytes): %s\n", arenaSize, hl::cli::FormatHex(arena.start, arenaSize).c_str());
 }
 
+int UsageError(const std::string& message) {
+    std::fprintf(stderr, "hl-ipc: %s\nTry 'hl-ipc call --help' for more information.\n", message.c_str());
+    return hl::cli::kExitUsage;
+}
 
 int RunRawCall(const CallOptions& options) {
     std::string error;
     const auto raw = ReadRawRequest(options, error);
     if (!raw) {
-        std::fprintf(stderr, "hl-ipc: %s\nTry 'hl-ipc call --help' for more information.\n", error.c_str());
-        return hl::cli::kExitUsage;
+        return UsageError(error);
     }
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
@@ -169,11 +172,6 @@ int RunRawCall(const CallOptions& options) {
         return kExitServerFailed;
     }
     return kExitOk;
-}
-
-int UsageError(const std::string& message) {
-    std::fprintf(stderr, "hl-ipc: %s\nTry 'hl-ipc call --help' for more information.\n", message.c_str());
-    return hl::cli::kExitUsage;
 }
 
 // The method that METHOD names: "Method" of the interface SERVICE names, or "interface.Method".
