@@ -1,5 +1,6 @@
-// Tests that the run-time table of the descriptions names every field once per message, and finds an
-// interface by its IDL name, a published type that begins with it, or its last part.
+// Tests that the run-time table of the descriptions lists each interface once and names every field
+// once per message, and finds an interface by its IDL name, a published type that begins with it, or
+// its last part.
 #include <interfaces/catalogue.h>
 
 #include <gtest/gtest.h>
@@ -10,10 +11,11 @@
 namespace {
 
 TEST(Catalogue, EveryFieldHasANameOfItsOwnInItsMessage) {
-    std::size_t methods = 0;
+    std::set<std::string_view> interfaceNames;
     for (const auto& interface : interfaces::Catalogue()) {
+        EXPECT_TRUE(interfaceNames.insert(interface.name).second) << interface.name;
+        EXPECT_FALSE(interface.methods.empty()) << interface.name;
         for (const auto& method : interface.methods) {
-            ++methods;
             for (const auto* fields : {&method.inputs, &method.outputs}) {
                 std::set<std::string_view> names;
                 for (const auto& field : *fields) {
@@ -27,7 +29,6 @@ TEST(Catalogue, EveryFieldHasANameOfItsOwnInItsMessage) {
             }
         }
     }
-    EXPECT_EQ(methods, 23U);
 }
 
 TEST(Catalogue, FindsAnInterfaceByNameTypeOrLastPart) {
