@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,26 +13,17 @@
 #include <platform/runtime_directory.h>
 #include <platform/service_locator.h>
 
+#include <nlohmann/json.hpp>
+
 #include "commands.h"
-#include "json_text.h"
 
 namespace hl_ipc {
 namespace {
 
-constexpr const char* kUsage =
-    "Usage: hl-ipc list [--json]\n"
-    "\n"
-    "Shows what is published in the runtime directory: each type with the server and endpoint\n"
-    "that serve it and the publishing process, and each server socket with whether a server\n"
-    "answers on it (\"live\") or its owner has gone (\"stale\").\n"
-    "\n"
-    "Options:\n"
-    "  --json    one JSON object instead of text:\n"
-    "            {\"runtime_directory\": PATH,\n"
-    "             \"types\": [{\"type\", \"server\", \"endpoint\", \"pid\", \"pid_alive\"}, ...],\n"
-    "             \"servers\": [{\"name\", \"state\": \"live\" or \"stale\"}, ...]}\n"
-    "\n"
-    "Exit codes: 0 listed (also when empty); 1 usage error.\n";
+constexpr const char* kDescription =
+    "Shows what is published in the runtime directory: each type with the server and endpoint that\n"
+    "serve it and the publishing process, and each server socket with whether a server answers on it\n"
+    "(\"live\") or its owner has gone (\"stale\").";
 
 bool IsLive(const std::string& server) {
     const unsigned int handle = ServiceLocatorConnect(server.c_str());
@@ -67,36 +59,22 @@ void PrintText(const Listing& listing) {
 }
 
 void PrintJson(const Listing& listing) {
-    std::string out = "{\"runtime_directory\": " + JsonString(listing.root) + ",\n \"types\": [";
-    const char* separator = "";
+    nlohmann::json types = nlohmann::json::array();
     for (const auto& entry : listing.entries) {
-        out += separator;
-        out += "\n  {\"type\": " + JsonString(entry.type) + ", \"server\": " + JsonString(entry.server) +
-               ", \"endpoint\": " + JsonString(entry.endpoint) + ", \"pid\": " + std::to_string(entry.pid) +
-               ", \"pid_alive\": " + (IsProcessAlive(entry.pid) ? "true" : "false") + "}";
-        separator = ",";
+        types.push_back({{"type", entry.type}, {"server", entry.server}, {"endpoint", entry.endpoint},
+                         {"pid", entry.pid}, {"pid_alive", IsProcessAlive(entry.pid)}});
     }
-    out += "],\n \"servers\": [";
-    separator = "";
+    nlohmann::json servers = nlohmann::json::array();
     for (const auto& server : listing.servers) {
-        out += separator;
-        out += "\n  {\"name\": " + JsonString(server) +
-               ", \"state\": " + (IsLive(server) ? "\"live\"" : "\"stale\"") + "}";
-        separator = ",";
+        servers.push_back({{"name", server}, {"state", IsLive(server) ? "live" : "stale"}});
     }
-    out += "]}\n";
-    std::fputs(out.c_str(), stdout);
+    const nlohmann::json document{
+        {"runtime_directory", listing.root}, {"types", std::move(types)}, {"servers", std::move(servers)}};
+    // Names are the registry's bytes; any that are not UTF-8 print as U+FFFD rather than abort.
+    std::printf("%s\n", document.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }
 
-}  // namespace
-
-int RunList(const std::vector<std::string>& arguments) {
-    const bool json = arguments.size() == 1 && arguments[0] == "--json";
-    if (!arguments.empty() && !json) {
-        const bool help = arguments[0] == "--help" || arguments[0] == "-h";
-        std::fputs(kUsage, help ? stdout : stderr);
-        return help ? 0 : 1;
-    }
+int RunList(bool json) {
     const auto registry = hos::platform::CreateServiceRegistry();
     const Listing listing{hos::platform::runtime_directory::Path(), registry->List(),
                           registry->ListServers()};
@@ -105,7 +83,19 @@ int RunList(const std::vector<std::string>& arguments) {
     } else {
         PrintText(listing);
     }
-    return 0;
+    return kExitOk;
+}
+
+}  // namespace
+
+Command AddList(CLI::App& app) {
+    auto* list = app.add_subcommand("list", "show the published types and the servers of the runtime directory");
+    list->footer(std::string(kDescription) + "\n\n" + app.get_footer());
+    auto json = std::make_shared<bool>(false);
+    list->add_flag("--json", *json,
+                   "one JSON object: {\"runtime_directory\": PATH, \"types\": [{\"type\", \"server\", "
+                   "\"endpoint\", \"pid\", \"pid_alive\"}, ...], \"servers\": [{\"name\", \"state\"}, ...]}");
+    return {list, [json] { return RunList(*json); }};
 }
 
 }  // namespace hl_ipc

@@ -1,41 +1,37 @@
 // hl-ipc: a look into the hosted platform from the command line.
-#include <cstdio>
-#include <cstring>
-#include <string>
+#include <hl_cli/tool.h>
+
 #include <vector>
 
 #include "commands.h"
 
 namespace {
 
-constexpr const char* kUsage =
-    "Usage: hl-ipc COMMAND [ARGS...]\n"
-    "\n"
-    "Commands:\n"
-    "  list    show the published types and the servers of the runtime directory\n"
-    "  call    send one raw request to a server and print the response\n"
-    "\n"
-    "Run 'hl-ipc COMMAND --help' for the arguments of a command.\n"
-    "The runtime directory is $HL_RUNTIME_DIR, else $XDG_RUNTIME_DIR/halcyra,\n"
-    "else /tmp/halcyra-<uid>.\n"
-    "\n"
-    "Exit codes: 0 success; 1 usage error; others as the command's help says.\n";
+constexpr const char* kDescription =
+    "Lists what the runtime directory publishes and the interfaces the IPC runtime describes, and calls\n"
+    "the services found there by method name with JSON, or with raw bytes.\n"
+    "The runtime directory is $HL_RUNTIME_DIR, else $XDG_RUNTIME_DIR/halcyra, else /tmp/halcyra-<uid>.";
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2 || std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0) {
-        std::fputs(kUsage, argc < 2 ? stderr : stdout);
-        return argc < 2 ? 1 : 0;
+    hl::cli::Tool tool("hl-ipc", kDescription,
+                       {{hl_ipc::kExitOk, "success (list: also when nothing is published)"},
+                        {hl::cli::kExitUsage, "usage error"},
+                        {hl_ipc::kExitConnect, "call: the server or service can't be reached (0x90000013: no such server)"},
+                        {hl_ipc::kExitCall, "call: the call failed on the way (0xfffffff5: timed out)"},
+                        {hl_ipc::kExitServerFailed, "call: the server failed the request (its failure flag is set)"},
+                        {hl_ipc::kExitUnknownInterface, "introspect: no described interface is named by TYPE"}});
+    tool.App().require_subcommand(0, 1);
+    const std::vector<hl_ipc::Command> commands{hl_ipc::AddList(tool.App()), hl_ipc::AddCall(tool.App()),
+                                                 hl_ipc::AddIntrospect(tool.App())};
+    if (const auto status = tool.Parse(argc, argv)) {
+        return *status;
     }
-    const std::string command = argv[1];
-    const std::vector<std::string> arguments(argv + 2, argv + argc);
-    if (command == "list") {
-        return hl_ipc::RunList(arguments);
+    for (const auto& command : commands) {
+        if (command.subcommand->parsed()) {
+            return command.run();
+        }
     }
-    if (command == "call") {
-        return hl_ipc::RunCall(arguments);
-    }
-    std::fprintf(stderr, "hl-ipc: unknown command '%s'\n\n%s", command.c_str(), kUsage);
-    return 1;
+    return tool.UsageError("no command given");
 }

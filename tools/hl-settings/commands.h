@@ -18,6 +18,9 @@ int RunSet(const Invocation& invocation, ServiceConnection& connection);
 int RunDelete(const Invocation& invocation, ServiceConnection& connection);
 int RunTree(const Invocation& invocation, ServiceConnection& connection);
 int RunMonitor(const Invocation& invocation, ServiceConnection& connection);
+int RunReset(const Invocation& invocation, ServiceConnection& connection);
+int RunDump(const Invocation& invocation, ServiceConnection& connection);
+int RunLoad(const Invocation& invocation, ServiceConnection& connection);
 
 // What get and tree do first: parse PATH_TEXT, open the connection, read the setting there. 0 with
 // `path` and `setting` filled, else the exit code of the failure, already reported (`command` names

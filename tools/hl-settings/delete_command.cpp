@@ -9,11 +9,8 @@
 namespace hl_settings {
 
 int RunDelete(const Invocation& invocation, ServiceConnection& connection) {
-    if (invocation.arguments.size() != 1 || invocation.type || invocation.json) {
-        return ReportUsage("delete takes one PATH");
-    }
     std::string error;
-    const auto path = ParsePathArgument(invocation.arguments[0], error);
+    const auto path = ParsePathArgument(invocation.path, error);
     if (!path) {
         return ReportUsage(error);
     }

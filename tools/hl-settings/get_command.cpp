@@ -12,19 +12,16 @@
 namespace hl_settings {
 
 int RunGet(const Invocation& invocation, ServiceConnection& connection) {
-    if (invocation.arguments.size() != 1 || invocation.type) {
-        return ReportUsage("get takes one PATH (and --json)");
-    }
     uvc::Path path;
     settings_manager::Setting setting;
-    if (const int read = ReadSettingAt(invocation.arguments[0], "get", connection, path, setting);
+    if (const int read = ReadSettingAt(invocation.path, "get", connection, path, setting);
         read != kExitOk) {
         return read;
     }
     if (invocation.json) {
         auto document = TypedJson(setting);
         document["path"] = settings_manager::PathToStr(path);
-        std::printf("%s\n", document.dump().c_str());
+        std::printf("%s\n", JsonText(document).c_str());
     } else if (setting.index() == uvc::IndexList || setting.index() == uvc::IndexMap) {
         std::fputs(TreeText(path, setting).c_str(), stdout);
     } else {

@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "core/exit_code.h"
 #include "core/path_argument.h"
+#include "core/quoted_text.h"
 #include "core/service_connection.h"
 #include "core/tree_json.h"
 #include "core/update_queue.h"
@@ -29,35 +30,32 @@ namespace {
 // service itself after each quiet stretch of this length, and ends when it is gone.
 constexpr int kLivenessCheckMs = 2000;
 
-void PrintUpdate(const Update& update, settings_manager::ISettingsGetter& getter, bool json) {
+bool PrintUpdate(const Update& update, settings_manager::ISettingsGetter& getter, bool json) {
     const std::string path = settings_manager::PathToStr(update.path);
     settings_manager::Setting setting;
     const std::int32_t result = getter.GetSetting(update.path, setting);
     if (json) {
         nlohmann::json line{{"path", path}, {"upd", update.upd}};
         line["setting"] = result < 0 ? nlohmann::json(nullptr) : TypedJson(setting);
-        std::printf("%s\n", line.dump().c_str());
+        std::printf("%s\n", JsonText(line).c_str());
     } else if (result < 0) {
         std::printf("%s  upd %u  (absent)\n", path.c_str(), static_cast<unsigned>(update.upd));
     } else {
         std::string value = ValueText(setting);
         if (setting.index() == uvc::IndexString) {
-            value = nlohmann::json(value).dump();
+            value = Quote(value);
         }
         std::printf("%s  upd %u  %s  %s\n", path.c_str(), static_cast<unsigned>(update.upd),
                     TypeName(setting.index()).c_str(), value.c_str());
     }
-    std::fflush(stdout);
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
 }  // namespace
 
 int RunMonitor(const Invocation& invocation, ServiceConnection& connection) {
-    if (invocation.arguments.size() != 1 || invocation.type) {
-        return ReportUsage("monitor takes one PATH (and --json)");
-    }
     std::string error;
-    const auto path = ParsePathArgument(invocation.arguments[0], error);
+    const auto path = ParsePathArgument(invocation.path, error);
     if (!path) {
         return ReportUsage(error);
     }
@@ -105,8 +103,13 @@ int RunMonitor(const Invocation& invocation, ServiceConnection& connection) {
             break;
         }
         if (fds[1].revents & POLLIN) {
+            bool written = true;
             for (const Update& update : queue->Take()) {
-                PrintUpdate(update, *getter, invocation.json);
+                written = written && PrintUpdate(update, *getter, invocation.json);
+            }
+            if (!written) {
+                code = kExitOutput;  // main says why
+                break;
             }
         }
         if (fds[0].revents & POLLIN) {

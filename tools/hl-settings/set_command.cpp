@@ -18,16 +18,15 @@ int RunSet(const Invocation& invocation, ServiceConnection& connection) {
     }
     // The types without a value may leave VALUE out.
     const bool valueOptional = *type == uvc::IndexNone || *type == uvc::IndexList || *type == uvc::IndexMap;
-    const std::size_t count = invocation.arguments.size();
-    if (invocation.json || count > 2 || count == 0 || (count == 1 && !valueOptional)) {
-        return ReportUsage("set takes PATH and VALUE (and --type TYPE)");
+    if (!invocation.value && !valueOptional) {
+        return ReportUsage("set takes PATH and VALUE (VALUE may be left out for none, list and map)");
     }
     std::string error;
-    const auto path = ParsePathArgument(invocation.arguments[0], error);
+    const auto path = ParsePathArgument(invocation.path, error);
     if (!path) {
         return ReportUsage(error);
     }
-    const std::string text = count == 2 ? invocation.arguments[1] : std::string();
+    const std::string text = invocation.value.value_or("");
     const auto value = ParseValue(*type, text, error);
     if (!value) {
         return ReportUsage("value '" + text + "' " + error);

@@ -12,12 +12,9 @@
 namespace hl_settings {
 
 int RunTree(const Invocation& invocation, ServiceConnection& connection) {
-    if (invocation.arguments.size() > 1 || invocation.type) {
-        return ReportUsage("tree takes at most one PATH (and --json)");
-    }
     uvc::Path path;
     settings_manager::Setting setting;
-    if (const int read = ReadSettingAt(invocation.arguments.empty() ? "" : invocation.arguments[0], "tree",
+    if (const int read = ReadSettingAt(invocation.path, "tree",
                                        connection, path, setting);
         read != kExitOk) {
         return read;
@@ -25,7 +22,7 @@ int RunTree(const Invocation& invocation, ServiceConnection& connection) {
     if (invocation.json) {
         auto document = TypedJson(setting);
         document["path"] = settings_manager::PathToStr(path);
-        std::printf("%s\n", document.dump(2).c_str());
+        std::printf("%s\n", JsonText(document, 2).c_str());
     } else {
         std::fputs(TreeText(path, setting).c_str(), stdout);
     }

@@ -32,7 +32,7 @@ int ReportFailure(const std::string& what, const std::string& path, std::int32_t
 }
 
 int ReportUsage(const std::string& message) {
-    std::fprintf(stderr, "hl-settings: %s\nRun 'hl-settings --help' for usage.\n", message.c_str());
+    std::fprintf(stderr, "hl-settings: %s\nTry 'hl-settings --help' for more information.\n", message.c_str());
     return kExitUsage;
 }
 

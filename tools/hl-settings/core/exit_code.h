@@ -7,6 +7,7 @@
 //   3 the service can't be reached, or the IPC exchange with it failed (0x80000059)
 //   4 the service (or the client, before sending) refused the request with another code, such as
 //     0x8000004A for a write through a node that isn't the matching container
+//   5 the output can't be written (a full disk, a closed pipe), or load's input can't be read
 //
 // Pure functions; any thread.
 
@@ -21,6 +22,7 @@ enum ExitCode : int {
     kExitUsage = 2,
     kExitUnreachable = 3,
     kExitRefused = 4,
+    kExitOutput = 5,
 };
 
 // The exit code for the result of a settings operation: kExitOk for a code that isn't negative.
@@ -31,7 +33,8 @@ ExitCode ExitCodeForResult(std::int32_t result);
 // printed for the root's empty text).
 int ReportFailure(const std::string& what, const std::string& path, std::int32_t result);
 
-// Writes "hl-settings: <message>" and a pointer to --help to standard error; returns kExitUsage.
+// Writes "hl-settings: <message>" and "Try 'hl-settings --help' for more information." to standard
+// error; returns kExitUsage.
 int ReportUsage(const std::string& message);
 
 }  // namespace hl_settings

@@ -1,17 +1,15 @@
 #pragma once
-// An hl-settings command line, read once in main:
+// An hl-settings command line as main's parser fills it in (main.cpp):
 //
-//   hl-settings [--service NAME] [--wait MS] [--verbose] COMMAND [ARGS...] [--type TYPE] [--json]
+//   hl-settings [--service NAME] [--wait MS] [--verbose] COMMAND [PATH [VALUE]] [--type TYPE] [--json]
 //
-// Options may stand anywhere; "--" ends them, so that a value may begin with "--". Each command
-// checks the options and the number of arguments that apply to it.
+// Each command reads the fields that apply to it.
 //
-// Pure data and a pure function; any thread.
+// Plain data; any thread.
 
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace hl_settings {
 
@@ -22,15 +20,11 @@ struct Invocation {
     std::string service = kDefaultService;
     std::uint32_t waitMs = kDefaultWaitMs;
     bool verbose = false;
-    bool help = false;
     bool json = false;
     std::optional<std::string> type;
-    std::string command;
-    std::vector<std::string> arguments;  // after the command, options taken out
+    std::string path;                  // "" for the root where PATH is optional
+    std::optional<std::string> value;  // set's VALUE
+    std::optional<std::string> defaults;  // reset's --defaults FILE
 };
-
-// The invocation of the arguments after the program name; nullopt with error set for an unknown
-// option or an option without its value.
-std::optional<Invocation> ParseInvocation(const std::vector<std::string>& arguments, std::string& error);
 
 }  // namespace hl_settings

@@ -1,5 +1,6 @@
 #include "core/tree_json.h"
 
+#include "core/quoted_text.h"
 #include "core/value_text.h"
 
 #include <settings_manager/meta/path_id_rules.h>
@@ -18,6 +19,9 @@ nlohmann::json TypedJson(const Setting& setting) {
     nlohmann::json node = nlohmann::json::object();
     node["type"] = TypeName(setting.index());
     node["flag"] = setting.attributes.flag;
+    if (const auto* text = std::get_if<std::string>(&setting.GetValue()); text != nullptr && !IsUtf8(*text)) {
+        node["bytes"] = ValueText(Setting(uvc::Bytes(text->begin(), text->end())));
+    }
     if (setting.valueless_by_exception()) {
         node["value"] = nullptr;
         return node;
@@ -51,6 +55,10 @@ nlohmann::json TypedJson(const Setting& setting) {
         },
         setting.GetValue());
     return node;
+}
+
+std::string JsonText(const nlohmann::json& document, int indent) {
+    return document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 std::optional<Setting> SettingFromPlainJson(const nlohmann::json& document, std::string& error) {

@@ -1,5 +1,7 @@
 #include "core/tree_text.h"
 
+#include "core/quoted_text.h"
+
 #include "core/value_text.h"
 
 #include <settings_manager/path_to_str.h>
@@ -29,7 +31,7 @@ std::string TreeText(const uvc::Path& path, const Setting& setting) {
         [&lines](const uvc::Path& nodePath, const Setting& node) {
             std::string value = ValueText(node);
             if (node.index() == uvc::IndexString) {
-                value = nlohmann::json(value).dump();
+                value = Quote(value);
             }
             lines.push_back({settings_manager::PathToStr(nodePath), TypeName(node.index()), std::move(value),
                              node.attributes.flag});

@@ -3,6 +3,7 @@
 #include "core/tree_json.h"
 
 #include <fmt/format.h>
+#include <hl_cli/hex.h>
 #include <nlohmann/json.hpp>
 
 #include <array>
@@ -80,39 +81,12 @@ std::optional<Setting> ParseDouble(std::string_view text, std::string& error) {
 }
 
 std::optional<Setting> ParseBytes(std::string_view text, std::string& error) {
-    uvc::Bytes bytes;
-    int high = -1;
-    for (const char c : text) {
-        if (c == ' ' || c == ':') {
-            if (high >= 0) {
-                error = "has a separator inside a byte";
-                return std::nullopt;
-            }
-            continue;
-        }
-        int nibble = -1;
-        if (c >= '0' && c <= '9') {
-            nibble = c - '0';
-        } else if (c >= 'a' && c <= 'f') {
-            nibble = c - 'a' + 10;
-        } else if (c >= 'A' && c <= 'F') {
-            nibble = c - 'A' + 10;
-        } else {
-            error = "is not hexadecimal bytes";
-            return std::nullopt;
-        }
-        if (high < 0) {
-            high = nibble;
-        } else {
-            bytes.push_back(static_cast<unsigned char>(high * 16 + nibble));
-            high = -1;
-        }
-    }
-    if (high >= 0) {
-        error = "has an odd number of hex digits";
+    auto bytes = hl::cli::ParseHex(text);
+    if (!bytes) {
+        error = "is not hexadecimal bytes (pairs of hex digits, spaces or colons between them)";
         return std::nullopt;
     }
-    return Setting(std::move(bytes));
+    return Setting(uvc::Bytes(bytes->begin(), bytes->end()));
 }
 
 std::optional<Setting> RequireEmpty(std::string_view text, Setting value, std::string& error) {

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # hl-settings against a settings service in a process of its own, over the hosted platform: round
-# trips of several types, delete, tree --json of a nested tree, monitor seeing another process's
-# write, and the exit codes.
+# trips of every type, delete, reset, tree --json of a nested tree, a dump loaded into an empty
+# persistent service, strings that aren't UTF-8, monitor seeing another process's write, and the
+# exit-code table.
 # Usage: hl_settings_e2e_test.sh HL_SETTINGS SERVICE_PROGRAM [SERVICE_ARGS...]
 #   The service program is started as: SERVICE_PROGRAM SERVICE_ARGS... (the arguments name the
 #   service hl.settings_manager.MSmgr); it must print a line with "ready" once it serves.
 set -uo pipefail
 tool=$1; shift
+daemon=$1
 base=${HL_RUNTIME_DIR:-/tmp}
 mkdir -p "$base"
 export HL_RUNTIME_DIR=$(mktemp -d "$base/hl-settings-XXXXXX")
@@ -43,8 +45,11 @@ while read -r type value; do
 done <<'TABLE'
 bool true
 i8 -128
+i16 -32768
 i32 -2147483648
+u8 255
 u16 65535
+u32 4294967295
 i64 -9223372036854775808
 u64 18446744073709551615
 double 0.1
@@ -53,6 +58,8 @@ timestamp 1700000000123
 TABLE
 expect "set without --type" 0 "$tool" set rt/text "ru RU, кириллица"
 expect "get string" 0 "$tool" get rt/text; is "ru RU, кириллица"
+expect "a value that begins with a dash" 0 "$tool" set rt/dash -- --x
+expect "get it" 0 "$tool" get rt/dash; is "--x"
 expect "get --json of an i8" 0 "$tool" get rt/i8 --json
 python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert d == {"path": "rt/i8/", "type": "i8", "flag": False, "value": -128}, d' "$out" ||
     fail "get --json: $out"
@@ -90,6 +97,44 @@ expect "tree of the root" 0 "$tool" tree --json
 python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert {"cfg", "locale", "rt"} <= set(d["value"]), d' "$out" ||
     fail "tree of the root: $out"
 
+# reset: back to the shipped default where there is one, else deleted; an absent path is reset.
+expect "overwrite a default" 0 "$tool" set locale/language ru-RU
+expect "reset to the default" 0 "$tool" reset locale/language
+expect "get the default again" 0 "$tool" get locale/language; is "en-US"
+expect "reset without a default deletes" 0 "$tool" reset rt/i16
+expect "get after reset" 1 "$tool" get rt/i16
+expect "reset of an absent path" 0 "$tool" reset rt/i16
+printf '{"rt": {"i16": 7}}' > "$HL_RUNTIME_DIR/defaults.json"
+expect "reset from --defaults" 0 "$tool" reset rt/i16 --defaults="$HL_RUNTIME_DIR/defaults.json"
+expect "get the given default" 0 "$tool" get rt/i16 --json
+python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert (d["type"], d["value"]) == ("i64", 7), d' "$out" ||
+    fail "reset from --defaults: $out"
+
+# Any bytes print: a string that isn't UTF-8 is escaped in text and in JSON, never an abort.
+expect "set a string that isn't UTF-8" 0 "$tool" set odd/text "$(printf 'a\xffb\nc')"
+expect "tree of it" 0 "$tool" tree odd/text; grep -Fq '"a\xffb\nc"' <<<"$out" || fail "tree escapes: $out"
+expect "get --json of it" 0 "$tool" get odd/text --json
+python3 -c 'import json, sys; d = json.loads(sys.argv[1]); assert (d["value"], d["bytes"]) == ("a\ufffdb\nc", "61 ff 62 0a 63"), d' "$out" ||
+    fail "get --json escapes: $out"
+
+# A dump holds every type, flags and odd strings; loaded into an empty service, it dumps the same.
+printf '/ map\nempty/ map flag\nnone/ none\nnolist/ list\nnobytes/ bytes\nflagged/ u8 flag 9\n' |
+    "$tool" load loaded || fail "load of a flagged tree"
+expect "dump of the root" 0 "$tool" dump; first=$out
+grep -Fxq 'loaded/flagged/ u8 flag 9' <<<"$first" || fail "dump lacks the flag: $first"
+"$daemon" --state-dir "$HL_RUNTIME_DIR/state" PSmgr > "$HL_RUNTIME_DIR/psmgr.out" 2>&1 &
+pids+=($!)
+for _ in $(seq 200); do grep -q ready "$HL_RUNTIME_DIR/psmgr.out" && break; sleep 0.05; done
+"$tool" --service PSmgr load <<<"$first" || fail "load into the empty service"
+expect "dump of the loaded service" 0 "$tool" --service PSmgr dump
+[ "$out" = "$first" ] || fail "the dump changed on its way: $(diff <(echo "$first") <(echo "$out"))"
+expect "load of a subtree elsewhere" 0 "$tool" --service PSmgr load copy < <("$tool" dump rt)
+expect "the copy" 0 "$tool" --service PSmgr get copy/u64; is "18446744073709551615"
+
+# Output that can't be written is an error.
+out=$("$tool" tree > /dev/full 2>"$HL_RUNTIME_DIR/err"); code=$?
+[ $code -eq 5 ] || fail "tree > /dev/full exits $code"; err=$(cat "$HL_RUNTIME_DIR/err"); says "can't write"
+
 # monitor prints a change that another hl-settings process makes, and ends cleanly on SIGINT.
 "$tool" monitor mon > "$HL_RUNTIME_DIR/monitor.out" 2> "$HL_RUNTIME_DIR/monitor.err" &
 monitor=$!
@@ -121,15 +166,24 @@ else
     [ $code -eq 3 ] || fail "monitor exits $code after its service died: $(cat "$HL_RUNTIME_DIR/monitor.err")"
 fi
 
-# Usage errors, found before any service is asked.
-expect "no command" 2 "$tool"
-expect "unknown command" 2 "$tool" frob x
-expect "bad path" 2 "$tool" get a_b; says "no settings path"
-expect "unknown type" 2 "$tool" set x 1 --type int
-expect "value out of range" 2 "$tool" set x 256 --type u8; says "out of range"
-expect "missing value" 2 "$tool" set x
-expect "unknown option" 2 "$tool" get x --jsn
-expect "--help" 0 "$tool" --help; grep -q "Exit codes" <<<"$out" || fail "--help: $out"
+# The usage rows of the exit-code table, found before any service is asked: each names what was wrong.
+while IFS='|' read -r what message args; do
+    read -ra argv <<<"$args"
+    expect "$what" 2 "$tool" "${argv[@]}" < /dev/null
+    says "$message"; says "Try 'hl-settings --help'"
+done <<'TABLE'
+no command|no command given|
+unknown command|frob|frob x
+bad path|no settings path|get a_b
+unknown type|unknown type 'int'|set x 1 --type int
+value out of range|out of range|set x 256 --type=u8
+missing value|takes PATH and VALUE|set x
+unknown option|--jsn|get x --jsn
+not a number|--wait|--wait soon get x
+no dump|holds no node|load
+TABLE
+expect "--help" 0 "$tool" --help; grep -q "Exit status:" <<<"$out" || fail "--help: $out"
+expect "--version" 0 "$tool" --version; grep -q "^hl-settings [0-9]" <<<"$out" || fail "--version: $out"
 
 echo "$failures failed"
 test $failures -eq 0

@@ -1,6 +1,9 @@
 // What hl-settings reads from its command line and prints: values of every type at their limits,
-// the plain JSON of `set --type json`, the typed JSON and the readable tree.
+// the plain JSON of `set --type json`, the typed JSON and the readable tree, quoted strings of any
+// bytes and the dump's faults.
 #include "core/value_text.h"
+#include "core/dump_text.h"
+#include "core/quoted_text.h"
 #include "core/path_argument.h"
 #include "core/tree_json.h"
 #include "core/tree_text.h"
@@ -145,6 +148,47 @@ TEST(ValueText, PathArgumentsReadTheTextFormAndTheRoot) {
         SCOPED_TRACE(bad);
         EXPECT_FALSE(hl_settings::ParsePathArgument(bad, error));
         EXPECT_NE(error.find(bad), std::string::npos) << error;
+    }
+}
+
+// Tests that every byte string, UTF-8 or not, quotes to one line and reads back unchanged, and that
+// only the bytes outside UTF-8 take the \x form.
+TEST(QuotedText, AnyBytesQuoteAndReadBack) {
+    std::string every;
+    for (int byte = 0; byte < 256; ++byte) {
+        every += static_cast<char>(byte);
+    }
+    for (const std::string& text : {every, std::string("кириллица \xed\xa0\x80 \xf4\x90\x80\x80 \xc0\xaf")}) {
+        const std::string quoted = hl_settings::Quote(text);
+        EXPECT_EQ(quoted.find('\n'), std::string::npos);
+        std::size_t pos = 0;
+        EXPECT_EQ(hl_settings::Unquote(quoted, pos), text);
+        EXPECT_EQ(pos, quoted.size());
+    }
+    EXPECT_EQ(hl_settings::Quote("\xd0\xba\xff\""), "\"\xd0\xba\\xff\\\"\"");
+    for (const char* bad : {"\"open", "\"\\q\"", "\"\\x4\"", "\"\\ud800\"", "x\"\""}) {
+        std::size_t pos = 0;
+        EXPECT_FALSE(hl_settings::Unquote(bad, pos)) << bad;
+    }
+}
+
+// Tests that a dump that can't make a tree is refused with the line at fault.
+TEST(DumpText, FaultsNameTheirLine) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"/ map\na/b/ u8 1\n", "line 2: its parent '' has no entry 'a'"},
+        {"/ list\n1/ u8 1\n", "line 2: list element 1 comes where element 0 is due"},
+        {"/ map\na/ u8 1\na/ u8 2\n", "line 3: the node comes twice"},
+        {"/ u8 1\na/ u8 1\n", "line 2: its parent is neither a list nor a map"},
+        {"# c\n\na/ map\n", "line 3: the first node must be the dumped node itself, '/'"},
+        {"/ map\na/ string x\n", "line 2: the string is not one quoted text"},
+        {"/ u8 300\n", "line 1: the value '300' is out of range [0, 255]"},
+        {"/ json {}\n", "line 1: 'json' is no node type"},
+        {"", "the dump holds no node"},
+    };
+    for (const auto& [text, expected] : cases) {
+        std::string error;
+        EXPECT_FALSE(hl_settings::ParseDumpText(text, error)) << text;
+        EXPECT_EQ(error, expected) << text;
     }
 }
 

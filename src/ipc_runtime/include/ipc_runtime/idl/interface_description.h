@@ -15,6 +15,9 @@
 //       using Methods = MethodList<Ping>;
 //   };
 //
+// Fields may carry their names (Named<"decision", ValueArg<unsigned char, 24>>), which the runtime
+// table of descriptions (description_table.h) gives to tools such as hl-ipc.
+//
 // The method's C++ signature follows from its fields: the request's inputs in order, then a reference
 // for each response field. A description whose member function doesn't match fails to compile, and so
 // does one in which two methods share an id, two fields of a message overlap (handle descriptors
@@ -184,6 +187,14 @@ struct ArenaOut {
     }
     // The transport has received into the argument already.
     static void Load(const nk_message* /*message*/, Out /*out*/, const nk_arena* /*arena*/) {}
+};
+
+// A field with its name, as tools show it and take it by ("decision", "path"): the field itself in
+// every other respect.
+//   using Path = Named<"path", SequenceArg<24, 512>>;
+template <FixedString Name, typename Field>
+struct Named : Field {
+    static constexpr std::string_view kName = Name.View();
 };
 
 template <typename Field>

@@ -31,7 +31,7 @@ struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::access_arbiter::AccessAr
     static constexpr std::string_view kFailurePrefix = "hl_access_arbiter_AccessArbiter_";
 
     using GetUserDecision = Method<"GetUserDecision", 0, &Interface::GetUserDecision, Request<24, 0>,
-                                   Response<32, ValueArg<unsigned char, 24>>>;
+                                   Response<32, Named<"decision", ValueArg<unsigned char, 24>>>>;
     using Methods = MethodList<GetUserDecision>;
 };
 

@@ -37,9 +37,10 @@ struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::app_manager::Application
     static constexpr std::string_view kFailurePrefix = "hl_app_manager_ApplicationCommands_";
 
     using GetUpdateHandle = Method<"GetUpdateHandle", 0, &Interface::GetUpdateHandle,
-                                   Request<32, 128, SequenceArg<24>>, Response<40, HandleArg<24>>>;
-    using GetCommand = Method<"GetCommand", 1, &Interface::GetCommand, Request<32, 128, SequenceArg<24>>,
-                              Response<40, ValueArg<std::int64_t, 24>, ValueArg<std::int32_t, 32>>>;
+                                   Request<32, 128, Named<"appName", SequenceArg<24>>>,
+                                   Response<40, Named<"handle", HandleArg<24>>>>;
+    using GetCommand = Method<"GetCommand", 1, &Interface::GetCommand, Request<32, 128, Named<"name", SequenceArg<24>>>,
+                              Response<40, Named<"value", ValueArg<std::int64_t, 24>>, Named<"rc", ValueArg<std::int32_t, 32>>>>;
     using Methods = MethodList<GetUpdateHandle, GetCommand>;
 };
 

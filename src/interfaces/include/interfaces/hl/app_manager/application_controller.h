@@ -39,18 +39,19 @@ struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::app_manager::Application
     using Interface = hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationController;
     static constexpr std::string_view kFailurePrefix = "hl_app_manager_ApplicationController_";
 
-    using Rc = Response<32, ValueArg<std::int32_t, 24>>;
+    using Rc = Response<32, Named<"rc", ValueArg<std::int32_t, 24>>>;
+    using AppName = Named<"appName", SequenceArg<24>>;
     using StartApplication =
-        Method<"StartApplication", 0, &Interface::StartApplication, Request<32, 128, SequenceArg<24>>, Rc>;
+        Method<"StartApplication", 0, &Interface::StartApplication, Request<32, 128, AppName>, Rc>;
     using ReadyToInitialize =
-        Method<"ReadyToInitialize", 1, &Interface::ReadyToInitialize, Request<32, 128, SequenceArg<24>>, Rc>;
+        Method<"ReadyToInitialize", 1, &Interface::ReadyToInitialize, Request<32, 128, AppName>, Rc>;
     using ReadyToShowUI =
-        Method<"ReadyToShowUI", 2, &Interface::ReadyToShowUI, Request<32, 128, SequenceArg<24>>, Rc>;
+        Method<"ReadyToShowUI", 2, &Interface::ReadyToShowUI, Request<32, 128, AppName>, Rc>;
     using FinishWithInternalError =
         Method<"FinishWithInternalError", 3, &Interface::FinishWithInternalError,
-               Request<48, 384, SequenceArg<24>, SequenceArg<32>, SequenceArg<40>>, Rc>;
+               Request<48, 384, AppName, Named<"error", SequenceArg<32>>, Named<"details", SequenceArg<40>>>, Rc>;
     using StateChanged = Method<"StateChanged", 4, &Interface::StateChanged,
-                                Request<40, 128, SequenceArg<24>, ValueArg<std::int64_t, 32>>, Rc>;
+                                Request<40, 128, AppName, Named<"state", ValueArg<std::int64_t, 32>>>, Rc>;
     using Methods =
         MethodList<StartApplication, ReadyToInitialize, ReadyToShowUI, FinishWithInternalError, StateChanged>;
 };

@@ -33,8 +33,8 @@ struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::app_manager::Application
     using Interface = hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationWatchdog;
     static constexpr std::string_view kFailurePrefix = "hl_app_manager_ApplicationWatchdog_";
 
-    using Ping = Method<"Ping", 0, &Interface::Ping, Request<32, 128, SequenceArg<24>>,
-                        Response<32, ValueArg<std::int32_t, 24>>>;
+    using Ping = Method<"Ping", 0, &Interface::Ping, Request<32, 128, Named<"appName", SequenceArg<24>>>,
+                        Response<32, Named<"rc", ValueArg<std::int32_t, 24>>>>;
     using Methods = MethodList<Ping>;
 };
 

@@ -55,32 +55,36 @@ template <>
 struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::settings_manager::NkISM> {
     using Interface = hosipc::idl::stdcpp_v1::hl::settings_manager::NkISM;
     static constexpr std::string_view kFailurePrefix = "hl_settings_manager_NkISM_";
-    using Path = SequenceArg<24, Interface::kPathArena>;
-    using Rc24 = Response<32, ValueArg<std::int32_t, 24>>;
+    using Path = Named<"path", SequenceArg<24, Interface::kPathArena>>;
+    using Rc24 = Response<32, Named<"rc", ValueArg<std::int32_t, 24>>>;
+    using Id24 = Named<"id", ValueArg<std::uint64_t, 24>>;
 
     using Read =
         Method<"Read", 0, &Interface::Read,
-               Request<40, Interface::kPathArena, Path, ValueArg<std::uint8_t, 32>>,
-               Response<56, ValueArg<std::uint64_t, 24>, ValueArg<nk_ptr_t, 32>, ValueArg<std::uint64_t, 40>,
-                        ValueArg<std::int32_t, 48>, ArenaOut<Interface::kNodesArena>>>;
+               Request<40, Interface::kPathArena, Path, Named<"readMask", ValueArg<std::uint8_t, 32>>>,
+               Response<56, Named<"ncount", ValueArg<std::uint64_t, 24>>, Named<"nodes", ValueArg<nk_ptr_t, 32>>,
+                        Named<"id", ValueArg<std::uint64_t, 40>>, Named<"rc", ValueArg<std::int32_t, 48>>,
+                        Named<"arena", ArenaOut<Interface::kNodesArena>>>>;
     using Write =
         Method<"Write", 1, &Interface::Write,
-               Request<56, Interface::kWriteArena, ArenaIn<Interface::kWriteArena>, ValueArg<nk_ptr_t, 24>,
-                       ValueArg<std::uint8_t, 32>, ValueArg<std::uint64_t, 40>, ValueArg<nk_ptr_t, 48>>,
-               Response<40, ValueArg<std::uint64_t, 24>, ValueArg<std::int32_t, 32>>>;
-    using ReadNext = Method<"ReadNext", 2, &Interface::ReadNext, Request<32, 0, ValueArg<std::uint64_t, 24>>,
-                            Response<40, ValueArg<nk_ptr_t, 24>, ValueArg<std::uint8_t, 32>,
-                                     ValueArg<std::int32_t, 36>, ArenaOut<Interface::kNodesArena>>>;
+               Request<56, Interface::kWriteArena, Named<"arena", ArenaIn<Interface::kWriteArena>>,
+                       Named<"path", ValueArg<nk_ptr_t, 24>>, Named<"mode", ValueArg<std::uint8_t, 32>>,
+                       Named<"ncount", ValueArg<std::uint64_t, 40>>, Named<"nodes", ValueArg<nk_ptr_t, 48>>>,
+               Response<40, Id24, Named<"rc", ValueArg<std::int32_t, 32>>>>;
+    using ReadNext = Method<"ReadNext", 2, &Interface::ReadNext, Request<32, 0, Id24>,
+                            Response<40, Named<"nodes", ValueArg<nk_ptr_t, 24>>, Named<"last", ValueArg<std::uint8_t, 32>>,
+                                     Named<"rc", ValueArg<std::int32_t, 36>>,
+                                     Named<"arena", ArenaOut<Interface::kNodesArena>>>>;
     using WriteNext =
         Method<"WriteNext", 3, &Interface::WriteNext,
-               Request<48, Interface::kNodesArena, ArenaIn<Interface::kNodesArena>,
-                       ValueArg<std::uint64_t, 24>, ValueArg<nk_ptr_t, 32>, ValueArg<std::uint8_t, 40>>,
+               Request<48, Interface::kNodesArena, Named<"arena", ArenaIn<Interface::kNodesArena>>, Id24,
+                       Named<"nodes", ValueArg<nk_ptr_t, 32>>, Named<"last", ValueArg<std::uint8_t, 40>>>,
                Rc24>;
-    using Cancel = Method<"Cancel", 4, &Interface::Cancel, Request<32, 0, ValueArg<std::uint64_t, 24>>, Rc24>;
+    using Cancel = Method<"Cancel", 4, &Interface::Cancel, Request<32, 0, Id24>, Rc24>;
     using GetAttrib = Method<"GetAttrib", 5, &Interface::GetAttrib, Request<32, Interface::kPathArena, Path>,
-                             Response<32, ValueArg<std::uint8_t, 24>, ValueArg<std::int32_t, 28>>>;
+                             Response<32, Named<"attr", ValueArg<std::uint8_t, 24>>, Named<"rc", ValueArg<std::int32_t, 28>>>>;
     using SetAttrib = Method<"SetAttrib", 6, &Interface::SetAttrib,
-                             Request<40, Interface::kPathArena, Path, ValueArg<std::uint8_t, 32>>, Rc24>;
+                             Request<40, Interface::kPathArena, Path, Named<"attr", ValueArg<std::uint8_t, 32>>>, Rc24>;
     using Delete = Method<"Delete", 7, &Interface::Delete, Request<32, Interface::kPathArena, Path>, Rc24>;
     using Methods = MethodList<Read, Write, ReadNext, WriteNext, Cancel, GetAttrib, SetAttrib, Delete>;
 };

@@ -39,12 +39,13 @@ struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::settings_manager::NkISMC
     static constexpr std::string_view kFailurePrefix = "hl_settings_manager_NkISMCbk_";
 
     using Wait =
-        Method<"Wait", 0, &Interface::Wait, Request<32, 0, ValueArg<std::uint64_t, 24>>,
-               Response<48, ValueArg<std::uint64_t, 24>, ValueArg<nk_ptr_t, 32>, ValueArg<std::uint8_t, 40>,
-                        ValueArg<std::int32_t, 44>, ArenaOut<Interface::kWaitArena>>>;
+        Method<"Wait", 0, &Interface::Wait, Request<32, 0, Named<"cid", ValueArg<std::uint64_t, 24>>>,
+               Response<48, Named<"sid", ValueArg<std::uint64_t, 24>>, Named<"path", ValueArg<nk_ptr_t, 32>>,
+                        Named<"upd", ValueArg<std::uint8_t, 40>>, Named<"rc", ValueArg<std::int32_t, 44>>,
+                        Named<"arena", ArenaOut<Interface::kWaitArena>>>>;
     using Done = Method<"Done", 1, &Interface::Done,
-                        Request<40, 0, ValueArg<std::uint64_t, 24>, ValueArg<std::uint64_t, 32>>,
-                        Response<32, ValueArg<std::int32_t, 24>>>;
+                        Request<40, 0, Named<"cid", ValueArg<std::uint64_t, 24>>, Named<"sid", ValueArg<std::uint64_t, 32>>>,
+                        Response<32, Named<"rc", ValueArg<std::int32_t, 24>>>>;
     using Methods = MethodList<Wait, Done>;
 };
 

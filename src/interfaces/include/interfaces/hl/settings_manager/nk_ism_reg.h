@@ -37,18 +37,20 @@ template <>
 struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::settings_manager::NkISMReg> {
     using Interface = hosipc::idl::stdcpp_v1::hl::settings_manager::NkISMReg;
     static constexpr std::string_view kFailurePrefix = "hl_settings_manager_NkISMReg_";
-    using Rc24 = Response<32, ValueArg<std::int32_t, 24>>;
-    using IdRc = Response<40, ValueArg<std::uint64_t, 24>, ValueArg<std::int32_t, 32>>;
+    using Rc24 = Response<32, Named<"rc", ValueArg<std::int32_t, 24>>>;
+    using Cid24 = Named<"cid", ValueArg<std::uint64_t, 24>>;
+    using CidRc = Response<40, Cid24, Named<"rc", ValueArg<std::int32_t, 32>>>;
+    using SidRc = Response<40, Named<"sid", ValueArg<std::uint64_t, 24>>, Named<"rc", ValueArg<std::int32_t, 32>>>;
 
     using RegCallback =
-        Method<"RegCallback", 0, &Interface::RegCallback, Request<32, 64, SequenceArg<24, 64>>, IdRc>;
+        Method<"RegCallback", 0, &Interface::RegCallback, Request<32, 64, Named<"name", SequenceArg<24, 64>>>, CidRc>;
     using UnregCallback = Method<"UnregCallback", 1, &Interface::UnregCallback,
-                                 Request<32, 0, ValueArg<std::uint64_t, 24>>, Rc24>;
+                                 Request<32, 0, Cid24>, Rc24>;
     using Subscribe = Method<"Subscribe", 2, &Interface::Subscribe,
-                             Request<40, 512, ValueArg<std::uint64_t, 24>, SequenceArg<32, 512>>, IdRc>;
+                             Request<40, 512, Cid24, Named<"path", SequenceArg<32, 512>>>, SidRc>;
     using Unsubscribe =
         Method<"Unsubscribe", 3, &Interface::Unsubscribe,
-               Request<40, 0, ValueArg<std::uint64_t, 24>, ValueArg<std::uint64_t, 32>>, Rc24>;
+               Request<40, 0, Cid24, Named<"sid", ValueArg<std::uint64_t, 32>>>, Rc24>;
     using Methods = MethodList<RegCallback, UnregCallback, Subscribe, Unsubscribe>;
 };
 

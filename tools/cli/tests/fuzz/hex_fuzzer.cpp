@@ -1,4 +1,4 @@
-// Fuzz harness: a command-line argument of hl-ipc as hex bytes and as a number. Bytes that parse
+// Fuzz harness: a command-line argument of the tools as hex bytes and as a number. Bytes that parse
 // come back the same from their printed form (so an answer printed by "hl-ipc call" can be pasted
 // into the next call), and a number that parses fits its limit and reads back from its decimal form.
 // Seeds: tests/fuzz/corpus/hex.
@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "hex.h"
+#include <hl_cli/hex.h>
 
 namespace {
 
@@ -22,15 +22,15 @@ namespace {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    if (const auto bytes = hl_ipc::ParseHex(text)) {
-        const auto again = hl_ipc::ParseHex(hl_ipc::FormatHex(bytes->data(), bytes->size()));
+    if (const auto bytes = hl::cli::ParseHex(text)) {
+        const auto again = hl::cli::ParseHex(hl::cli::FormatHex(bytes->data(), bytes->size()));
         if (!again || *again != *bytes) {
             Fail("printed hex does not read back as the same bytes");
         }
     }
     constexpr unsigned long kMax = 0xFFFF;
-    if (const auto number = hl_ipc::ParseNumber(text, kMax)) {
-        if (*number > kMax || hl_ipc::ParseNumber(std::to_string(*number), kMax) != number) {
+    if (const auto number = hl::cli::ParseNumber(text, kMax)) {
+        if (*number > kMax || hl::cli::ParseNumber(std::to_string(*number), kMax) != number) {
             Fail("a number breaks its limit or does not read back");
         }
     }

@@ -1,8 +1,8 @@
-#include "hex.h"
+#include "hl_cli/hex.h"
 
-#include <cstdlib>
+#include <charconv>
 
-namespace hl_ipc {
+namespace hl::cli {
 namespace {
 
 int DigitValue(char c) {
@@ -18,20 +18,23 @@ int DigitValue(char c) {
     return -1;
 }
 
+bool IsSeparator(char c) {
+    return c == ' ' || c == ':' || c == '\n' || c == '\t' || c == '\r';
+}
+
 }  // namespace
 
 std::optional<std::vector<unsigned char>> ParseHex(std::string_view text) {
-    if (text == "-") {
-        return std::vector<unsigned char>{};
-    }
     if (text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X") {
         text.remove_prefix(2);
     }
     std::vector<unsigned char> bytes;
     int high = -1;
     for (const char c : text) {
-        // Any white space, so that hex printed over several lines reads back.
-        if (c == ' ' || c == ':' || c == '\n' || c == '\t' || c == '\r') {
+        if (IsSeparator(c)) {
+            if (high >= 0) {
+                return std::nullopt;
+            }
             continue;
         }
         const int value = DigitValue(c);
@@ -51,10 +54,10 @@ std::optional<std::vector<unsigned char>> ParseHex(std::string_view text) {
     return bytes;
 }
 
-std::string FormatHex(const unsigned char* data, size_t size) {
+std::string FormatHex(const unsigned char* data, std::size_t size) {
     static const char kDigits[] = "0123456789abcdef";
     std::string text;
-    for (size_t i = 0; i < size; ++i) {
+    for (std::size_t i = 0; i < size; ++i) {
         if (i > 0) {
             text += i % 32 == 0 ? "\n  " : (i % 4 == 0 ? " " : "");
         }
@@ -65,16 +68,17 @@ std::string FormatHex(const unsigned char* data, size_t size) {
 }
 
 std::optional<unsigned long> ParseNumber(std::string_view text, unsigned long max) {
-    if (text.empty()) {
-        return std::nullopt;
+    int base = 10;
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        base = 16;
+        text.remove_prefix(2);
     }
-    const std::string copy(text);
-    char* end = nullptr;
-    const unsigned long value = std::strtoul(copy.c_str(), &end, 0);
-    if (end == nullptr || *end != '\0' || value > max || copy[0] == '-') {
+    unsigned long value = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    if (text.empty() || ec != std::errc() || end != text.data() + text.size() || value > max) {
         return std::nullopt;
     }
     return value;
 }
 
-}  // namespace hl_ipc
+}  // namespace hl::cli
