@@ -18,6 +18,7 @@ if(HL_BUILD_TESTS)
     add_test(NAME ${_test}
              COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -fsyntax-only -DHL_BAD_CASE=${_number}
                      -I${CMAKE_CURRENT_SOURCE_DIR}/include -I${CMAKE_SOURCE_DIR}/src/platform/include
+                     -I${CMAKE_SOURCE_DIR}/src/diagnostics/include
                      ${_hl_bad_description})
     set_tests_properties(${_test} PROPERTIES LABELS unit TIMEOUT 120)
     if(_diagnostic)
