@@ -18,7 +18,7 @@ public:
             return make_expanded(app);
         }
         std::string text = make_usage(app, std::move(name)) + "\n" + make_description(app);
-        text += make_positionals(app) + make_groups(app, mode) + make_subcommands(app, mode) + make_footer(app);
+        text += make_positionals(app) + make_groups(app, mode) + make_subcommands(app, mode) + "\n" + make_footer(app);
         return text;
     }
 };
