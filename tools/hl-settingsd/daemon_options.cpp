@@ -22,7 +22,8 @@ const char* const kUsage =
     "  --help             this text\n"
     "\n"
     "Exit codes: 0 stopped by SIGTERM or SIGINT; 1 usage error; 2 the store or the defaults can't be\n"
-    "opened or read; 3 the service can't be served (its name is in use in this runtime directory).\n";
+    "opened or read; 3 the service can't be served (its name is in use in this runtime directory, or\n"
+    "its store is locked by another daemon).\n";
 
 std::optional<DaemonOptions> ParseOptions(const std::vector<std::string>& arguments, std::string& error) {
     DaemonOptions options;

@@ -2,6 +2,7 @@
 #include "daemon_options.h"
 #include "settings_service.h"
 #include "store_factory.h"
+#include "store_files.h"
 
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/log.h>
@@ -92,6 +93,9 @@ int main(int argc, char** argv) {
     try {
         service =
             std::make_unique<hl_settingsd::SettingsService>(hl_settingsd::MakeTreeStore(*options), held);
+    } catch (const hl_settingsd::StoreInUse& e) {
+        HL_LOG(LogLevel::Critical, "{}: {}", name, e.what());
+        return kExitServe;
     } catch (const std::exception& e) {
         HL_LOG(LogLevel::Critical, "{}: the store can't be opened: {}", name, e.what());
         return kExitStore;

@@ -1,6 +1,7 @@
 #include "settings_service.h"
 
 #include "result_codes.h"
+#include "tree_shape.h"
 
 #include <diagnostics/log.h>
 #include <diagnostics/result_code.h>
@@ -252,6 +253,12 @@ std::int32_t SettingsService::Commit(const uvc::Path& path, std::uint8_t mode,
     if (!(root == path)) {
         HL_LOG(LogLevel::Warning,
                "Write '{}': the nodes begin at '{}', not at the written path: nothing written", path, root);
+        return kInvalidArgument;
+    }
+    if (const auto misnested = FirstMisnested(items)) {
+        HL_LOG(LogLevel::Warning,
+               "Write '{}': the node '{}' does not lie below the node '{}' before it: nothing written", path,
+               items[*misnested].path, items[*misnested - 1].path);
         return kInvalidArgument;
     }
     TreeChange change;

@@ -89,6 +89,9 @@ TEST_F(BadInput, EachRefusedRequestGetsItsCodeAndALogLineAndChangesNothing) {
     nonRooted[1].path = "y/a/";
     RawItems levelJump = Items("x/", Setting(SettingMap{{"a", Setting(true)}}));
     levelJump[1].path = "x/a/b/";
+    // w/, w/a/, w/b/c/: the last one does not lie below w/a/, under which a rebuild would put it.
+    RawItems misnested = Items("w/", Setting(SettingMap{{"a", Setting(SettingMap{{"c", Setting(true)}})}}));
+    misnested[2].path = "w/b/c/";
     RawItems badValue = Items("x/", Setting(true));
     badValue[0].value[0] = 16;
     const struct {
@@ -113,6 +116,8 @@ TEST_F(BadInput, EachRefusedRequestGetsItsCodeAndALogLineAndChangesNothing) {
          "[RawSetting] non-rooted path"},
         {"a level jump", [&] { return m_ism->Write("x/", 6, 2, levelJump).rc; }, kLevelJump,
          "[RawSetting] path level jump"},
+        {"a node that does not nest", [&] { return m_ism->Write("w/", 6, 3, misnested).rc; }, kInvalidArgument,
+         "the node 'w/b/c/' does not lie below the node 'w/a/' before it"},
         {"a value index of 16", [&] { return m_ism->Write("x/", 6, 1, badValue).rc; },
          static_cast<std::int32_t>(0x8000005Eu), "[RawSetting] Invalid value index: 16"},
         {"nodes of another path", [&] { return m_ism->Write("y/", 6, 1, Items("x/", Setting(true))).rc; },
