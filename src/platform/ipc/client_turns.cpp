@@ -223,9 +223,21 @@ void ClientTurns::Drop(uint64_t id) {
         dropped = std::move(found->second);
         m_clients.erase(found);
         ++m_generation;
+        if (m_recordDropped) {
+            m_dropped.push_back(id);
+        }
     }
     // Others may hold the connection a moment longer; the client learns at once that it is over.
     dropped->Disconnect();
+}
+
+std::vector<uint64_t> ClientTurns::TakeDropped(size_t room) {
+    std::lock_guard lock(m_mutex);
+    m_recordDropped = true;
+    const size_t count = std::min(room, m_dropped.size());
+    std::vector<uint64_t> taken(m_dropped.begin(), m_dropped.begin() + static_cast<std::ptrdiff_t>(count));
+    m_dropped.erase(m_dropped.begin(), m_dropped.begin() + static_cast<std::ptrdiff_t>(count));
+    return taken;
 }
 
 void ClientTurns::DropAll() {

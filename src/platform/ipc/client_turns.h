@@ -79,6 +79,9 @@ public:
     bool Current(ClientList& clients, uint64_t& generation);
     std::shared_ptr<ClientConnection> Find(uint64_t id);
     void Drop(uint64_t id);
+    // The ids of clients dropped since the last call (at most `room`); recorded only once this was
+    // called once, so a server that never asks keeps no list.
+    std::vector<uint64_t> TakeDropped(size_t room);
     // Disconnects every client at once (when the channel stops).
     void DropAll();
     // The index in `clients` of the first to read: the one after the client served last.
@@ -113,6 +116,8 @@ private:
     uint64_t m_nextClient = 1;
     uint64_t m_generation = 0;  // changes whenever a client comes or goes
     std::map<uint64_t, std::shared_ptr<ClientConnection>> m_clients;
+    bool m_recordDropped = false;
+    std::vector<uint64_t> m_dropped;
 
     uint64_t m_lastServed = 0;  // the receiver's: the client of the last request received
 };
