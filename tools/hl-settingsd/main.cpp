@@ -126,6 +126,9 @@ int main(int argc, char** argv) {
         for (const std::uint64_t cid : report.gone) {
             service->DropCallback(cid, "has gone (its Wait can't be answered)");
         }
+        for (const std::uint64_t connection : report.closed) {
+            service->ConnectionClosed(connection);
+        }
         const auto now = std::chrono::steady_clock::now();
         if (now - lastTick >= std::chrono::seconds(1)) {
             service->Tick(now);

@@ -215,4 +215,43 @@ TEST_F(BadInput, ReadMasksChooseWhatComesBack) {
     EXPECT_TRUE(read(0x06) == alone);
 }
 
+// An exchange belongs to the connection that opened it: another connection can't continue or cancel
+// it, a read stays the tree it began on while a write changes that tree, and a connection's open
+// exchanges close with it.
+TEST_F(BadInput, AnExchangeBelongsToItsConnectionAndReadsTheTreeItBeganOn) {
+    settings_manager::SettingList list;
+    for (int i = 0; i < 20; ++i) {
+        list.push_back(Setting(std::int32_t{i}));
+    }
+    const Setting before = Setting(list);
+    ASSERT_EQ(m_ism->Write("l/", 6, 21, Items("l/", before)).rc, 0);
+    RawItems items;
+    std::uint64_t ncount = 0;
+    const auto opened = m_ism->Read("l/", 0x16, items, ncount);
+    ASSERT_EQ(opened.rc, 0);
+    ASSERT_EQ(ncount, 21u);
+    ASSERT_LT(items.size(), ncount);
+
+    auto other = std::make_unique<RawIsm>(kService);
+    EXPECT_EQ(other->ReadNext(opened.id), kNotFound);
+    EXPECT_EQ(other->Cancel(opened.id), kNotFound);
+    EXPECT_TRUE(m_daemon->LogContains("which is no open read exchange of connection"));
+    EXPECT_EQ(other->Write("l/", 6, 1, Items("l/", Setting(settings_manager::SettingList{}))).rc, 0);
+    for (bool last = false; !last;) {
+        ASSERT_EQ(m_ism->ReadNext(opened.id, &items, &last), 0);
+    }
+    uvc::Path path;
+    Setting read;
+    ASSERT_EQ(settings_manager::Deserialize(items, path, read).first, 0);
+    EXPECT_TRUE(read == before);
+
+    const auto half = Items("t/", Map16());
+    ASSERT_EQ(other->Write("t/", 6, 16, {half.begin(), half.begin() + 8}).rc, 0);
+    other.reset();
+    for (int i = 0; i < 40 && !m_daemon->LogContains("its 1 open exchanges are closed"); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    EXPECT_TRUE(m_daemon->LogContains("its 1 open exchanges are closed"));
+}
+
 }  // namespace
