@@ -35,10 +35,12 @@ TEST(ExitCodes, EachEndingHasItsDocumentedCode) {
         int code;
         bool needsRoot = false;  // to plant another user's file
     } cases[] = {
-        {"--help", "$HL --help >/dev/null", 0},
-        {"no service", "$HL", 1},
-        {"an unknown service", "$HL hl.settings_manager.Nope", 1},
-        {"two services", "$HL MSmgr PSmgr", 1},
+        {"--help", "$HL --help | grep -q '^  3 .*locked by another daemon'", 0},
+        {"--version", "$HL --version | grep -q '^hl-settingsd [0-9]'", 0},
+        {"no service", "$HL", 2},
+        {"an unknown service", "$HL hl.settings_manager.Nope", 2},
+        {"two services", "$HL MSmgr PSmgr", 2},
+        {"a log level out of range", "$HL --log-level 9 MSmgr", 2},
         {"defaults with a bad name", "$HL --defaults " + bad + " MSmgr", 2},
         {"a state directory that is a file", "$HL --state-dir " + bad + " PSmgr", 2},
         {"SIGTERM",
