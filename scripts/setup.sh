@@ -21,6 +21,8 @@ PACKAGES=(
   libsystemd-dev
   # hl-settingsd: persistent stores in SQLite, the defaults file in JSON (JSON of hl-settings too)
   libsqlite3-dev nlohmann-json3-dev
+  # its tests damage a store with the sqlite3 shell
+  sqlite3
   # command lines of the tools (hl-session)
   libcli11-dev
   # runtime of the hosted platform: fonts, X server for real-window tests, image tools

@@ -2,6 +2,7 @@
 #include "daemon_options.h"
 #include "settings_service.h"
 #include "store_factory.h"
+#include "store_files.h"
 
 #include <diagnostics/hos_logger.h>
 #include <diagnostics/log.h>
@@ -25,10 +26,9 @@ namespace {
 
 using hos::logger::LogLevel;
 
-constexpr int kExitStopped = 0;
-constexpr int kExitUsage = 1;
-constexpr int kExitStore = 2;
-constexpr int kExitServe = 3;
+using hl_settingsd::kExitServe;
+using hl_settingsd::kExitStopped;
+using hl_settingsd::kExitStore;
 // A held Wait is kept until a newer one of its client replaces it: an answer it no longer waits for is
 // ignored by the client and sent again (see SubscriptionTable), and answering it finds a dead client.
 constexpr unsigned int kMaxHoldMs = NK_TIMEOUT_INFINITE;
@@ -70,34 +70,32 @@ void AnnounceReady(const std::string& name) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::string error;
-    const auto options = hl_settingsd::ParseOptions(std::vector<std::string>(argv + 1, argv + argc), error);
-    if (!options) {
-        std::fprintf(stderr, "hl-settingsd: %s\n\n%s", error.c_str(), hl_settingsd::kUsage);
-        return kExitUsage;
+    hl::cli::Tool tool = hl_settingsd::MakeTool();
+    hl_settingsd::DaemonOptions options;
+    if (const auto status = hl_settingsd::ParseOptions(tool, argc, argv, options)) {
+        return *status;
     }
-    if (options->help) {
-        std::fputs(hl_settingsd::kUsage, stdout);
-        return kExitStopped;
-    }
-    hos::logger::HOSLogger::Setup("SETTINGSD", static_cast<LogLevel>(options->logLevel), nullptr);
+    hos::logger::HOSLogger::Setup("SETTINGSD", static_cast<LogLevel>(options.logLevel), nullptr);
     ::umask(077);  // the stores and their -wal and -shm files are the user's alone
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGTERM, OnStopSignal);
     std::signal(SIGINT, OnStopSignal);
 
-    const std::string name(options->service.name);
+    const std::string name(options.service.name);
     auto held = std::make_shared<hosipc::server::DeferredReplies>();
     std::unique_ptr<hl_settingsd::SettingsService> service;
     try {
         service =
-            std::make_unique<hl_settingsd::SettingsService>(hl_settingsd::MakeTreeStore(*options), held);
+            std::make_unique<hl_settingsd::SettingsService>(hl_settingsd::MakeTreeStore(options), held);
+    } catch (const hl_settingsd::StoreInUse& e) {
+        HL_LOG(LogLevel::Critical, "{}: {}", name, e.what());
+        return kExitServe;
     } catch (const std::exception& e) {
         HL_LOG(LogLevel::Critical, "{}: the store can't be opened: {}", name, e.what());
         return kExitStore;
     }
-    if (!options->faultForTesting.empty()) {
-        service->SetFaultForTesting(options->faultForTesting == "writenext-exit"
+    if (!options.faultForTesting.empty()) {
+        service->SetFaultForTesting(options.faultForTesting == "writenext-exit"
                                         ? hl_settingsd::SettingsService::FaultForTesting::kWriteNextExit
                                         : hl_settingsd::SettingsService::FaultForTesting::kWriteNextRefused);
     }
@@ -121,6 +119,9 @@ int main(int argc, char** argv) {
         const auto report = host->ServeOne(kReceiveTimeoutMs);
         for (const std::uint64_t cid : report.gone) {
             service->DropCallback(cid, "has gone (its Wait can't be answered)");
+        }
+        for (const std::uint64_t connection : report.closed) {
+            service->ConnectionClosed(connection);
         }
         const auto now = std::chrono::steady_clock::now();
         if (now - lastTick >= std::chrono::seconds(1)) {

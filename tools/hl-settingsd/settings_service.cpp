@@ -1,6 +1,7 @@
 #include "settings_service.h"
 
 #include "result_codes.h"
+#include "tree_shape.h"
 
 #include <diagnostics/log.h>
 #include <diagnostics/result_code.h>
@@ -10,7 +11,10 @@
 #include <settings_manager/serialize.h>
 #include <uvc/path_text.h>
 
+#include <malloc.h>
+
 #include <algorithm>
+#include <iterator>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -25,6 +29,8 @@ namespace arena = hos::ipc::arena;
 constexpr std::size_t kChunkNodes = 8;
 // The status of a process that ends at a WriteNext because its test asked for it.
 constexpr int kExitForTesting = 4;
+// An exchange that held this much leaves memory to give back to the system when it closes.
+constexpr std::size_t kTrimBytes = 1024 * 1024;
 constexpr std::int32_t kOutOfSpace = static_cast<std::int32_t>(0x80000062u);
 
 std::string CodeText(std::int32_t code) {
@@ -60,8 +66,16 @@ SettingsService::SettingsService(std::unique_ptr<ITreeStore> store,
                                : throw std::invalid_argument("tree store or DeferredReplies is nullptr")) {}
 
 nk_ptr_t SettingsService::NextChunk(ExchangeTable::Read& read, nk_arena& responseArena, std::int32_t& rc) {
-    const std::size_t count = std::min(kChunkNodes, read.items.size() - read.next);
-    auto first = read.items.cbegin() + static_cast<std::ptrdiff_t>(read.next);
+    if (read.cursor) {
+        // What did not fit last time comes first; the cursor makes the rest of the chunk.
+        read.pending.erase(read.pending.begin(), read.pending.begin() + static_cast<std::ptrdiff_t>(read.next));
+        read.next = 0;
+        while (read.pending.size() < kChunkNodes && !read.cursor->Done()) {
+            read.pending.push_back(read.cursor->Next());
+        }
+    }
+    const std::size_t count = std::min(kChunkNodes, read.pending.size() - read.next);
+    auto first = read.pending.cbegin() + static_cast<std::ptrdiff_t>(read.next);
     const auto start = first;
     const nk_ptr_t nodes =
         arena::impl::Write(responseArena, first, first + static_cast<std::ptrdiff_t>(count));
@@ -83,47 +97,59 @@ void SettingsService::Read(const Bytes& pathBytes, std::uint8_t readMask, std::u
         rc = kInvalidArgument;
         return;
     }
-    Setting view;
-    rc = m_tree.Read(path, readMask, view);
+    const Setting* node = m_tree.Find(path);
+    rc = !SettingsTree::IsValidReadMask(readMask) ? kInvalidArgument : node == nullptr ? kNotFound : kOk;
     if (rc < 0) {
         HL_LOG(LogLevel::Info, "Read '{}' (mask {:#x}): {}", path, readMask, CodeText(rc));
         return;
     }
-    ExchangeTable::Read read;
-    const auto result = settings_manager::Serialize(path, view, read.items);
-    if (result.first < 0) {
-        HL_LOG(LogLevel::Error, "Read '{}': the tree can't be serialized: {}", path, result.second);
-        rc = result.first;
+    // Paged from the live tree: nothing of the subtree is copied unless a change comes before its end.
+    ExchangeTable::Read read{std::make_unique<ReadCursor>(path, *node, readMask), {}, 0};
+    ncount = read.cursor->Count();
+    try {
+        nodes = NextChunk(read, responseArena, rc);
+    } catch (const std::exception& e) {
+        HL_LOG(LogLevel::Error, "Read '{}': the tree can't be serialized: {}", path, e.what());
+        rc = kInvalidArgument;
         return;
     }
-    ncount = read.items.size();
-    nodes = NextChunk(read, responseArena, rc);
-    if (rc < 0) {
+    if (rc < 0 || read.Done()) {
         return;
     }
-    if (read.next < read.items.size()) {
-        id = m_exchanges.OpenRead(std::move(read));
-        HL_LOG(LogLevel::Debug, "Read '{}': {} nodes, exchange #{:X}", path, ncount, id);
+    const std::uint64_t connection = m_held->CurrentConnection();
+    id = m_exchanges.Open(connection, ExchangeTable::Exchange{0, 0, {}, std::nullopt, std::move(read)});
+    if (id == 0) {
+        rc = kInsufficientResources;
+        return;
     }
+    HL_LOG(LogLevel::Debug, "Read '{}': {} nodes, exchange #{:X} of connection {}", path, ncount, id, connection);
 }
 
 void SettingsService::ReadNext(std::uint64_t id, nk_ptr_t& nodes, std::uint8_t& last, std::int32_t& rc,
                                nk_arena& responseArena) {
     HL_LOG(LogLevel::Debug, "request ReadNext");
-    ExchangeTable::Read* read = m_exchanges.FindRead(id);
-    if (read == nullptr) {
-        HL_LOG(LogLevel::Warning, "ReadNext of #{:X}, which is no open read exchange: refused", id);
+    const std::uint64_t connection = m_held->CurrentConnection();
+    ExchangeTable::Exchange* exchange = m_exchanges.Find(connection, id);
+    if (exchange == nullptr || !exchange->read) {
+        HL_LOG(LogLevel::Warning, "ReadNext of #{:X}, which is no open read exchange of connection {}: refused",
+               id, connection);
         rc = kNotFound;
         return;
     }
-    nodes = NextChunk(*read, responseArena, rc);
+    ExchangeTable::Read& read = *exchange->read;
+    try {
+        nodes = NextChunk(read, responseArena, rc);
+    } catch (const std::exception& e) {
+        HL_LOG(LogLevel::Error, "ReadNext #{:X}: the tree can't be serialized: {}", id, e.what());
+        rc = kInvalidArgument;
+    }
     if (rc < 0) {
-        m_exchanges.Close(id);
+        CloseExchange(connection, id);
         return;
     }
-    last = read->next == read->items.size() ? 1 : 0;
+    last = read.Done() ? 1 : 0;
     if (last != 0) {
-        m_exchanges.Close(id);
+        CloseExchange(connection, id);
     }
 }
 
@@ -152,7 +178,7 @@ void SettingsService::Write(const nk_arena& requestArena, nk_ptr_t pathRef, std:
         rc = ncount == 0 ? kInvalidArgument : kInsufficientResources;
         return;
     }
-    ExchangeTable::Write write{path, mode, ncount, {}, 0, {}};
+    ExchangeTable::Write write{path, mode, ncount, {}};
     if (!arena::impl::Read(requestArena, nodes, write.items)) {
         HL_LOG(LogLevel::Warning, "Write '{}': the node list lies outside the request: refused", path);
         rc = kInvalidArgument;
@@ -169,20 +195,28 @@ void SettingsService::Write(const nk_arena& requestArena, nk_ptr_t pathRef, std:
         rc = Commit(path, mode, write.items);
         return;
     }
-    write.bytes = ExchangeTable::Bytes(write.items);
-    id = m_exchanges.OpenWrite(std::move(write));
-    HL_LOG(LogLevel::Debug, "Write '{}': {} nodes, exchange #{:X}", path, ncount, id);
+    const std::uint64_t connection = m_held->CurrentConnection();
+    const std::size_t bytes = ExchangeTable::Bytes(write.items);
+    id = m_exchanges.Open(connection, ExchangeTable::Exchange{0, bytes, {}, std::move(write), std::nullopt});
+    if (id == 0) {
+        rc = kInsufficientResources;
+        return;
+    }
+    HL_LOG(LogLevel::Debug, "Write '{}': {} nodes, exchange #{:X} of connection {}", path, ncount, id, connection);
     rc = kOk;
 }
 
 void SettingsService::WriteNext(const nk_arena& requestArena, std::uint64_t id, nk_ptr_t nodes,
                                 std::uint8_t last, std::int32_t& rc) {
-    ExchangeTable::Write* write = m_exchanges.FindWrite(id);
-    if (write == nullptr) {
-        HL_LOG(LogLevel::Warning, "WriteNext of #{:X}, which is no open write exchange: refused", id);
+    const std::uint64_t connection = m_held->CurrentConnection();
+    ExchangeTable::Exchange* exchange = m_exchanges.Find(connection, id);
+    if (exchange == nullptr || !exchange->write) {
+        HL_LOG(LogLevel::Warning, "WriteNext of #{:X}, which is no open write exchange of connection {}: refused",
+               id, connection);
         rc = kNotFound;
         return;
     }
+    ExchangeTable::Write* write = &*exchange->write;
     ExchangeTable::RawItems items;
     const char* fault = nullptr;
     const bool readable = arena::impl::Read(requestArena, nodes, items);
@@ -201,8 +235,8 @@ void SettingsService::WriteNext(const nk_arena& requestArena, std::uint64_t id, 
     } else if (write->items.size() + items.size() > write->ncount) {
         fault = "more nodes than announced";
         rc = kMoreThan;
-    } else if (write->bytes + ExchangeTable::Bytes(items) > ExchangeTable::kMaxBytes) {
-        fault = "more bytes than a write may hold";
+    } else if (!m_exchanges.Charge(*exchange, ExchangeTable::Bytes(items))) {
+        fault = "more bytes than the connection may hold";
         rc = kInsufficientResources;
     } else if (last != 0 && write->items.size() + items.size() < write->ncount) {
         fault = "the last chunk came before all nodes";
@@ -214,27 +248,26 @@ void SettingsService::WriteNext(const nk_arena& requestArena, std::uint64_t id, 
     if (fault != nullptr) {
         HL_LOG(LogLevel::Warning, "WriteNext #{:X} '{}': {}: the exchange is closed, nothing written", id,
                write->path, fault);
-        m_exchanges.Close(id);
+        CloseExchange(connection, id);
         return;
     }
-    write->bytes += ExchangeTable::Bytes(items);
     std::move(items.begin(), items.end(), std::back_inserter(write->items));
     if (last == 0) {
         rc = kOk;
         return;
     }
     const ExchangeTable::Write whole = std::move(*write);
-    m_exchanges.Close(id);
+    CloseExchange(connection, id);
     rc = Commit(whole.path, whole.mode, whole.items);
 }
 
 void SettingsService::Cancel(std::uint64_t id, std::int32_t& rc) {
     HL_LOG(LogLevel::Debug, "request Cancel");
-    if (m_exchanges.Close(id)) {
+    if (CloseExchange(m_held->CurrentConnection(), id)) {
         HL_LOG(LogLevel::Info, "exchange #{:X} cancelled", id);
         rc = kOk;
     } else {
-        HL_LOG(LogLevel::Warning, "Cancel of #{:X}, which is no open exchange", id);
+        HL_LOG(LogLevel::Warning, "Cancel of #{:X}, which is no open exchange of this connection", id);
         rc = kNotFound;
     }
 }
@@ -254,6 +287,12 @@ std::int32_t SettingsService::Commit(const uvc::Path& path, std::uint8_t mode,
                "Write '{}': the nodes begin at '{}', not at the written path: nothing written", path, root);
         return kInvalidArgument;
     }
+    if (const auto misnested = FirstMisnested(items)) {
+        HL_LOG(LogLevel::Warning,
+               "Write '{}': the node '{}' does not lie below the node '{}' before it: nothing written", path,
+               items[*misnested].path, items[*misnested - 1].path);
+        return kInvalidArgument;
+    }
     TreeChange change;
     const std::int32_t planned = m_tree.PlanWrite(path, mode, std::move(tree), change);
     if (planned < 0) {
@@ -270,6 +309,7 @@ std::int32_t SettingsService::Change(const uvc::Path& path, TreeChange change, s
                CodeText(committed));
         return committed;
     }
+    KeepReadsThrough(change.at);
     m_tree.Apply(std::move(change));
     const std::string text = settings_manager::PathToStr(path);
     for (const std::uint64_t cid : m_subscriptions.Notify(path, text, upd)) {
@@ -327,8 +367,16 @@ void SettingsService::Delete(const Bytes& pathBytes, std::int32_t& rc) {
 }
 
 void SettingsService::RegCallback(const Bytes& name, std::uint64_t& cid, std::int32_t& rc) {
-    cid = m_subscriptions.Register(std::chrono::steady_clock::now());
-    HL_LOG(LogLevel::Info, "callback @{:X} registered ({} bytes of name)", cid, name.size());
+    const std::uint64_t connection = m_held->CurrentConnection();
+    cid = m_subscriptions.Register(connection);
+    if (cid == 0) {
+        HL_LOG(LogLevel::Warning, "RegCallback: connection {} has {} callbacks already: refused", connection,
+               SubscriptionTable::kMaxCallbacksPerConnection);
+        rc = kInsufficientResources;
+        return;
+    }
+    HL_LOG(LogLevel::Info, "callback @{:X} registered on connection {} ({} bytes of name)", cid, connection,
+           name.size());
     rc = kOk;
 }
 
@@ -373,7 +421,7 @@ void SettingsService::Wait(std::uint64_t cid, std::uint64_t& sid, nk_ptr_t& path
         rc = kNotFound;
         return;
     }
-    auto update = m_subscriptions.Take(cid, std::chrono::steady_clock::now());
+    auto update = m_subscriptions.Take(cid, m_held->CurrentConnection());
     if (!update) {
         m_held->HoldCurrent(cid);
         return;
@@ -394,9 +442,76 @@ void SettingsService::Done(std::uint64_t cid, std::uint64_t sid, std::int32_t& r
 }
 
 void SettingsService::Tick(std::chrono::steady_clock::time_point now) {
+    const std::size_t open = m_exchanges.OpenCount();
     m_exchanges.Expire(now);
-    for (const std::uint64_t cid : m_subscriptions.Silent(now)) {
-        DropCallback(cid, "has stopped calling Wait");
+    m_trimWanted = m_trimWanted || m_exchanges.OpenCount() != open;
+    if (m_trimWanted) {
+        // What ended exchanges held goes back to the system, not only to the allocator.
+        ::malloc_trim(0);
+        m_trimWanted = false;
+    }
+}
+
+void SettingsService::ConnectionClosed(std::uint64_t connection) {
+    const std::size_t closed = m_exchanges.CloseAll(connection);
+    if (closed != 0) {
+        HL_LOG(LogLevel::Info, "connection {} closed: its {} open exchanges are closed", connection, closed);
+        m_trimWanted = true;
+    }
+    for (const std::uint64_t cid : m_subscriptions.Closed(connection)) {
+        DropCallback(cid, "has gone (its connection closed)");
+    }
+}
+
+bool SettingsService::CloseExchange(std::uint64_t connection, std::uint64_t id) {
+    const ExchangeTable::Exchange* exchange = m_exchanges.Find(connection, id);
+    if (exchange == nullptr) {
+        return false;
+    }
+    m_trimWanted = m_trimWanted || exchange->bytes >= kTrimBytes;
+    return m_exchanges.Close(connection, id);
+}
+
+void SettingsService::KeepReadsThrough(const uvc::Path& at) {
+    // A read whose cursor points into what the change replaces, removes or moves takes the rest of
+    // its nodes now: the subtree of `at` holds or contains it, or `at` is an element of a list that
+    // holds it (the list's elements may move).
+    uvc::Path parent = at;
+    bool inList = false;
+    if (!at.Empty()) {
+        parent.RemoveLast();
+        const Setting* above = m_tree.Find(parent);
+        inList = above != nullptr && std::holds_alternative<settings_manager::SettingList>(*above);
+    }
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> over;
+    m_exchanges.ForEachRead([&](std::uint64_t id, ExchangeTable::Exchange& exchange) {
+        ExchangeTable::Read& read = *exchange.read;
+        if (!read.cursor) {
+            return;
+        }
+        const uvc::Path& reading = read.cursor->Path();
+        if (!reading.StartsWith(at) && !at.StartsWith(reading) && !(inList && reading.StartsWith(parent))) {
+            return;
+        }
+        ExchangeTable::RawItems rest;
+        std::size_t bytes = 0;
+        while (!read.cursor->Done() && bytes <= ExchangeTable::kMaxBytesPerConnection) {
+            rest.push_back(read.cursor->Next());
+            bytes += ExchangeTable::Bytes(rest.back());
+        }
+        read.cursor.reset();
+        if (!m_exchanges.Charge(exchange, bytes)) {
+            over.emplace_back(exchange.connection, id);
+            return;
+        }
+        std::move(rest.begin(), rest.end(), std::back_inserter(read.pending));
+    });
+    for (const auto& [connection, id] : over) {
+        HL_LOG(LogLevel::Warning,
+               "read exchange #{:X} of connection {}: the tree changed under it and its rest is over the "
+               "bytes it may hold: closed",
+               id, connection);
+        CloseExchange(connection, id);
     }
 }
 

@@ -3,7 +3,9 @@
 // operations through the IPC runtime's ServingHost). The tree lives in a SettingsTree; every change is planned there,
 // committed by the tree store (ITreeStore: one transaction per write exchange), applied in memory, and
 // then wakes the subscribers it concerns. Chunked exchanges are kept in an ExchangeTable: a write is
-// buffered whole and committed at its last chunk, so a cancelled or abandoned exchange changes nothing.
+// buffered whole and committed at its last chunk, so a cancelled or abandoned exchange changes nothing;
+// a read is paged from the live tree. Exchanges and callbacks belong to the connection that made them
+// (DeferredReplies::CurrentConnection) and go when it closes (ConnectionClosed).
 //
 // Every refused request gets a result code and a log line; nothing a client sends ends the process.
 //
@@ -65,8 +67,11 @@ public:
               nk_arena& arena) override;
     void Done(std::uint64_t cid, std::uint64_t sid, std::int32_t& rc) override;
 
-    // Closes idle exchanges and drops callbacks that stopped waiting; call it now and then.
+    // Closes idle exchanges and gives memory that ended exchanges held back to the system; call it
+    // now and then.
     void Tick(std::chrono::steady_clock::time_point now);
+    // Closes the exchanges of a connection that has closed, and drops the callbacks that lived on it.
+    void ConnectionClosed(std::uint64_t connection);
     // Drops a callback whose client has gone (a held Wait could not be answered).
     void DropCallback(std::uint64_t cid, const char* why);
 
@@ -74,6 +79,9 @@ private:
     std::int32_t Commit(const uvc::Path& path, std::uint8_t mode, const ExchangeTable::RawItems& items);
     std::int32_t Change(const uvc::Path& path, TreeChange change, std::uint8_t upd);
     nk_ptr_t NextChunk(ExchangeTable::Read& read, nk_arena& arena, std::int32_t& rc);
+    bool CloseExchange(std::uint64_t connection, std::uint64_t id);
+    // Before a change at `at`: the open reads it would pull the tree from under copy their rest.
+    void KeepReadsThrough(const uvc::Path& at);
 
     std::unique_ptr<ITreeStore> m_store;
     std::shared_ptr<hosipc::server::DeferredReplies> m_held;
@@ -81,6 +89,7 @@ private:
     ExchangeTable m_exchanges;
     SubscriptionTable m_subscriptions;
     FaultForTesting m_fault = FaultForTesting::kNone;
+    bool m_trimWanted = false;
 };
 
 }  // namespace hl_settingsd

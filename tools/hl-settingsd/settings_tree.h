@@ -43,6 +43,10 @@ public:
 
     // Whether the service takes this write mode at all (the rules above).
     static bool IsValidMode(std::uint8_t mode);
+    // Whether the service takes this read mask (the bits above, no other).
+    static bool IsValidReadMask(std::uint8_t mask) {
+        return (mask & ~(kReadValues | kReadAttributes | kReadChildren)) == 0;
+    }
 
     // Throws std::invalid_argument unless root is a map.
     explicit SettingsTree(settings_manager::Setting root);

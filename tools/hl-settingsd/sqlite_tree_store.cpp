@@ -1,6 +1,7 @@
 #include "sqlite_tree_store.h"
 
 #include "result_codes.h"
+#include "tree_shape.h"
 
 #include <diagnostics/log.h>
 #include <settings_manager/meta/path_id_rules.h>
@@ -9,13 +10,9 @@
 #include <settings_manager/serialize.h>
 #include <uvc/path_text.h>
 
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -43,21 +40,6 @@ Statement Prepare(sqlite3* db, const char* sql) {
     return Statement(statement);
 }
 
-// Makes the file with mode 0600, or narrows the mode of one that exists.
-void PrepareFile(const std::string& file) {
-    const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (fd < 0) {
-        throw std::runtime_error("can't open " + file + ": " + std::strerror(errno));
-    }
-    struct stat info {};
-    if (::fstat(fd, &info) == 0 && (info.st_mode & 0077) != 0) {
-        HL_LOG(LogLevel::Warning, "{} was open to others (mode {:o}): narrowed to 0600", file,
-               info.st_mode & 0777);
-        ::fchmod(fd, 0600);
-    }
-    ::close(fd);
-}
-
 // Pre-order of path texts: id by id, numbers by value, names by their bytes, a path before the paths
 // below it.
 bool PreOrder(const uvc::Path& a, const uvc::Path& b) {
@@ -75,10 +57,13 @@ std::string SubtreeEnd(const std::string& pathText) {
 
 }  // namespace
 
-SqliteTreeStore::SqliteTreeStore(std::string file) : m_file(std::move(file)) {
-    PrepareFile(m_file);
-    if (sqlite3_open_v2(m_file.c_str(), &m_db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW, nullptr) !=
-        SQLITE_OK) {
+SqliteTreeStore::SqliteTreeStore(std::unique_ptr<StoreFiles> files)
+    : m_files(files ? std::move(files) : throw std::invalid_argument("store files are nullptr")),
+      m_file(m_files->Db()) {
+    // No SQLITE_OPEN_NOFOLLOW, which refuses a link anywhere on the path (a linked ~/.local/state): the
+    // file's last component was opened without following links, and the directory is writable by
+    // nobody else, so nobody can put a link there since.
+    if (sqlite3_open_v2(m_file.c_str(), &m_db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
         const std::string why = m_db != nullptr ? sqlite3_errmsg(m_db) : "out of memory";
         sqlite3_close(m_db);
         throw std::runtime_error("can't open the database " + m_file + ": " + why);
@@ -180,6 +165,10 @@ Setting SqliteTreeStore::Load() {
     items.reserve(rows.size());
     for (auto& row : rows) {
         items.push_back(std::move(row.item));
+    }
+    if (const auto misnested = FirstMisnested(items)) {
+        throw std::runtime_error(m_file + " is damaged: the row '" + items[*misnested].path +
+                                 "' has no parent row");
     }
     uvc::Path root;
     Setting tree;

@@ -9,12 +9,15 @@
 //   meta(key TEXT PRIMARY KEY, value TEXT): "format" = "1"
 //
 // Each Commit is one transaction: the rows of the changed subtree are deleted and the new ones
-// inserted (or one flag updated), all or nothing. The file is made with mode 0600 (a looser mode found
-// on an existing file is narrowed, with a log line); SQLite gives its -wal and -shm files the same mode.
+// inserted (or one flag updated), all or nothing. The files are checked, locked and made by StoreFiles
+// (store_files.h), which the store owns; SQLite gives its -wal and -shm files the db's mode.
 //
 // Thread: the service's serving thread only. The destructor closes the database.
 
 #include "i_tree_store.h"
+#include "store_files.h"
+
+#include <memory>
 
 #include <string>
 
@@ -24,8 +27,8 @@ namespace hl_settingsd {
 
 class SqliteTreeStore final : public ITreeStore {
 public:
-    // Opens or makes the database; throws std::runtime_error when it can't.
-    explicit SqliteTreeStore(std::string file);
+    // Opens or makes the database of the files; throws std::runtime_error when it can't.
+    explicit SqliteTreeStore(std::unique_ptr<StoreFiles> files);
     ~SqliteTreeStore() override;
     SqliteTreeStore(const SqliteTreeStore&) = delete;
     SqliteTreeStore& operator=(const SqliteTreeStore&) = delete;
@@ -38,6 +41,7 @@ private:
     bool Execute(const char* sql);
     bool DeleteSubtree(const std::string& pathText);
 
+    std::unique_ptr<StoreFiles> m_files;
     std::string m_file;
     sqlite3* m_db = nullptr;
 };

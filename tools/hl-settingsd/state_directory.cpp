@@ -8,6 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <string>
+
+#include <fmt/format.h>
 #include <stdexcept>
 
 namespace hl_settingsd {
@@ -46,8 +49,17 @@ std::string PrepareStateDirectory(const std::optional<std::string>& option) {
                                  std::strerror(errno));
     }
     struct stat info {};
-    if (::stat(directory.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
-        throw std::runtime_error(directory.string() + " is not a directory");
+    if (::lstat(directory.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+        throw std::runtime_error(directory.string() + " is not a directory" +
+                                 (S_ISLNK(info.st_mode) ? " but a symbolic link" : ""));
+    }
+    if (info.st_uid != ::geteuid()) {
+        throw std::runtime_error("the state directory " + directory.string() + " belongs to uid " +
+                                 std::to_string(info.st_uid) + ", not to uid " + std::to_string(::geteuid()));
+    }
+    if ((info.st_mode & 0022) != 0) {
+        throw std::runtime_error(fmt::format("the state directory {} may be written by other users (mode {:o})",
+                                             directory.string(), info.st_mode & 07777));
     }
     return directory.string();
 }

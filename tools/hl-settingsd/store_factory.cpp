@@ -4,6 +4,7 @@
 #include "memory_tree_store.h"
 #include "sqlite_tree_store.h"
 #include "state_directory.h"
+#include "store_files.h"
 
 #include <diagnostics/log.h>
 
@@ -40,10 +41,10 @@ std::unique_ptr<ITreeStore> MakeTreeStore(const DaemonOptions& options) {
         HL_LOG(LogLevel::Info, "{}: in memory, from the defaults {}", options.service.name, file);
         return std::make_unique<MemoryTreeStore>(std::move(defaults));
     }
-    const std::string file =
-        PrepareStateDirectory(options.stateDir) + "/" + std::string(options.service.name) + ".db";
-    HL_LOG(LogLevel::Info, "{}: persistent, in {}", options.service.name, file);
-    return std::make_unique<SqliteTreeStore>(file);
+    auto files = std::make_unique<StoreFiles>(PrepareStateDirectory(options.stateDir),
+                                              std::string(options.service.name) + ".db");
+    HL_LOG(LogLevel::Info, "{}: persistent, in {}", options.service.name, files->Db());
+    return std::make_unique<SqliteTreeStore>(std::move(files));
 }
 
 }  // namespace hl_settingsd

@@ -3,14 +3,41 @@
 #include "result_codes.h"
 
 #include <diagnostics/log.h>
+#include <platform/hos_random.h>
+
+#include <random>
 
 namespace hl_settingsd {
 
 using hos::logger::LogLevel;
 
-std::uint64_t SubscriptionTable::Register(Clock::time_point now) {
-    const std::uint64_t cid = ++m_lastId;
-    m_callbacks[cid].lastWait = now;
+std::uint64_t SubscriptionTable::NewId() const {
+    static std::mt19937_64 fallback{std::random_device{}()};
+    while (true) {
+        std::uint64_t id = 0;
+        if (HosRandomGenerate(&id, sizeof id) != 0) {
+            id = fallback();
+        }
+        bool taken = m_callbacks.count(id) != 0;
+        for (const auto& [cid, callback] : m_callbacks) {
+            taken = taken || callback.subscriptions.count(id) != 0;
+        }
+        if (id != 0 && !taken) {
+            return id;
+        }
+    }
+}
+
+std::uint64_t SubscriptionTable::Register(std::uint64_t connection) {
+    auto& [callbacks, subscriptions] = m_perConnection[connection];
+    if (callbacks >= kMaxCallbacksPerConnection) {
+        return 0;
+    }
+    ++callbacks;
+    const std::uint64_t cid = NewId();
+    Callback& callback = m_callbacks[cid];
+    callback.registeredOn = connection;
+    callback.connections.insert(connection);
     return cid;
 }
 
@@ -21,6 +48,12 @@ std::optional<std::size_t> SubscriptionTable::Unregister(std::uint64_t cid) {
     }
     const std::size_t count = found->second.subscriptions.size();
     m_subscriptionCount -= count;
+    auto owner = m_perConnection.find(found->second.registeredOn);
+    owner->second.first -= 1;
+    owner->second.second -= count;
+    if (owner->second.first == 0) {
+        m_perConnection.erase(owner);
+    }
     m_callbacks.erase(found);
     return count;
 }
@@ -30,12 +63,14 @@ std::int32_t SubscriptionTable::Subscribe(std::uint64_t cid, uvc::Path path, std
     if (found == m_callbacks.end()) {
         return kNotFound;
     }
-    if (m_subscriptionCount >= kMaxSubscriptions) {
+    auto& held = m_perConnection[found->second.registeredOn].second;
+    if (m_subscriptionCount >= kMaxSubscriptions || held >= kMaxSubscriptionsPerConnection) {
         return kInsufficientResources;
     }
-    sid = ++m_lastId;
+    sid = NewId();
     found->second.subscriptions.emplace(sid, std::move(path));
     ++m_subscriptionCount;
+    ++held;
     return kOk;
 }
 
@@ -45,6 +80,7 @@ std::int32_t SubscriptionTable::Unsubscribe(std::uint64_t cid, std::uint64_t sid
         return kNotFound;
     }
     --m_subscriptionCount;
+    --m_perConnection[found->second.registeredOn].second;
     return kOk;
 }
 
@@ -69,13 +105,13 @@ std::set<std::uint64_t> SubscriptionTable::Notify(const uvc::Path& path, const s
     return woken;
 }
 
-std::optional<SubscriptionTable::Update> SubscriptionTable::Take(std::uint64_t cid, Clock::time_point now) {
+std::optional<SubscriptionTable::Update> SubscriptionTable::Take(std::uint64_t cid, std::uint64_t connection) {
     const auto found = m_callbacks.find(cid);
     if (found == m_callbacks.end()) {
         return std::nullopt;
     }
     auto& queue = found->second.queue;
-    found->second.lastWait = now;
+    found->second.connections.insert(connection);
     while (!queue.empty() && queue.front().attempts >= kMaxAttempts) {
         HL_LOG(LogLevel::Info, "callback @{:X}: the update of ${} was sent {} times without Done: dropped",
                cid, queue.front().sid, queue.front().attempts);
@@ -105,15 +141,14 @@ bool SubscriptionTable::HasUpdate(std::uint64_t cid) const {
     return found != m_callbacks.end() && !found->second.queue.empty();
 }
 
-std::vector<std::uint64_t> SubscriptionTable::Silent(Clock::time_point now) const {
-    std::vector<std::uint64_t> silent;
+std::vector<std::uint64_t> SubscriptionTable::Closed(std::uint64_t connection) const {
+    std::vector<std::uint64_t> closed;
     for (const auto& [cid, callback] : m_callbacks) {
-        const bool delivering = !callback.queue.empty() && callback.queue.front().attempts > 0;
-        if (now - callback.lastWait > (delivering ? kSilenceLimit : kIdleSilenceLimit)) {
-            silent.push_back(cid);
+        if (callback.connections.count(connection) != 0) {
+            closed.push_back(cid);
         }
     }
-    return silent;
+    return closed;
 }
 
 }  // namespace hl_settingsd

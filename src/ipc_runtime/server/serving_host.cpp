@@ -110,7 +110,9 @@ ServingHost::Report ServingHost::ServeOne(unsigned int timeoutMs) {
     if (received == NK_EOK) {
         report.served = true;
         m_deferred->TakeHoldCurrent();
+        m_deferred->SetCurrentConnection(m_transport.pendingClient);
         Dispatch(request, &requestArena);
+        m_deferred->SetCurrentConnection(0);
         if (const auto key = m_deferred->TakeHoldCurrent()) {
             Kept kept{m_transport, m_request, std::vector<unsigned char>(requestArena.start, requestArena.cursor),
                       std::chrono::steady_clock::now()};
@@ -127,7 +129,20 @@ ServingHost::Report ServingHost::ServeOne(unsigned int timeoutMs) {
         HL_LOG(LogLevel::Debug, "receive failed: {:#x}", static_cast<std::uint32_t>(received));
     }
     AnswerDeferred(report);
+    TakeClosed(report);
     return report;
+}
+
+void ServingHost::TakeClosed(Report& report) {
+    constexpr unsigned int kRoom = 64;
+    unsigned long long ids[kRoom];
+    int taken = 0;
+    do {
+        taken = NkHosTakeClosedClients(&m_transport, ids, kRoom);
+        for (int i = 0; i < taken; ++i) {
+            report.closed.push_back(ids[i]);
+        }
+    } while (taken == static_cast<int>(kRoom));
 }
 
 void ServingHost::AnswerDeferred(Report& report) {
@@ -155,7 +170,9 @@ void ServingHost::AnswerDeferred(Report& report) {
         auto* request = reinterpret_cast<nk_message*>(kept.message.data());
         nk_arena arena{kept.arena.data(), kept.arena.data() + kept.arena.size(),
                        kept.arena.data() + kept.arena.size()};
+        m_deferred->SetCurrentConnection(kept.transport.pendingClient);
         Dispatch(request, &arena);
+        m_deferred->SetCurrentConnection(0);
         if (const auto again = m_deferred->TakeHoldCurrent()) {
             m_kept[*again] = std::move(kept);
             continue;

@@ -263,6 +263,9 @@ void ClientTurns::EraseLocked(std::map<uint64_t, std::shared_ptr<ClientConnectio
     if (auto count = m_perUid.find(client->second->Uid()); count != m_perUid.end() && --count->second == 0) {
         m_perUid.erase(count);
     }
+    if (m_recordDropped) {
+        m_dropped.push_back(client->first);
+    }
     m_clients.erase(client);
     ++m_generation;
 }
@@ -333,6 +336,15 @@ void ClientTurns::Drop(uint64_t id) {
     if (const auto found = m_clients.find(id); found != m_clients.end()) {
         EraseLocked(found);
     }
+}
+
+std::vector<uint64_t> ClientTurns::TakeDropped(size_t room) {
+    std::lock_guard lock(m_mutex);
+    m_recordDropped = true;
+    const size_t count = std::min(room, m_dropped.size());
+    std::vector<uint64_t> taken(m_dropped.begin(), m_dropped.begin() + static_cast<std::ptrdiff_t>(count));
+    m_dropped.erase(m_dropped.begin(), m_dropped.begin() + static_cast<std::ptrdiff_t>(count));
+    return taken;
 }
 
 void ClientTurns::DropAll() {

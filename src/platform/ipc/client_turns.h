@@ -102,6 +102,9 @@ public:
     bool Current(ClientList& clients, uint64_t& generation);
     std::shared_ptr<ClientConnection> Find(uint64_t id);
     void Drop(uint64_t id);
+    // The ids of clients dropped since the last call (at most `room`); recorded only once this was
+    // called once, so a server that never asks keeps no list.
+    std::vector<uint64_t> TakeDropped(size_t room);
     // Disconnects every client at once (when the channel stops).
     void DropAll();
     // The index in `clients` of the first to read: the one after the client served last.
@@ -150,6 +153,8 @@ private:
     std::map<uid_t, std::size_t> m_perUid;
     // Connections not yet known to have spoken, in the order they came, with when they must have.
     std::deque<std::pair<std::chrono::steady_clock::time_point, uint64_t>> m_silent;
+    bool m_recordDropped = false;
+    std::vector<uint64_t> m_dropped;
 
     uint64_t m_lastServed = 0;  // the receiver's: the client of the last request received
 };

@@ -71,6 +71,9 @@ public:
     // Returns 0, NK_ECLOSED when that client has gone, or the failure of building or sending the
     // frame (the client is then told of it with a Refused frame).
     int Reply(const Pending& pending, const nk_message* response, const nk_arena* arena);
+    // The ids (as `pending.client` gives them) of clients whose connection has ended since the last
+    // call, at most `room`; the channel keeps that list only once this was called once.
+    std::vector<uint64_t> TakeClosedClients(size_t room) { return m_turns->TakeDropped(room); }
     const std::string& Name() const { return m_name; }
 
 private:

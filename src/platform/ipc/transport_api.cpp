@@ -2,6 +2,7 @@
 #include <platform/nk_result.h>
 #include <platform/nk_transport.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "core/handle_table.h"
@@ -66,6 +67,23 @@ int Reply(NkHosTransport* transport, const nk_message* response, const nk_arena*
     transport->pendingClient = 0;
     return server->Server()->Reply(pending, response, responseArena);
 }
+
+}  // namespace
+
+extern "C" int NkHosTakeClosedClients(NkHosTransport* transport, unsigned long long* ids, unsigned int room) {
+    if (transport == nullptr || (ids == nullptr && room != 0)) {
+        return NK_EINVAL;
+    }
+    const auto server = FindOfKind(transport->handle, HandleObject::Kind::Server);
+    if (!server) {
+        return NK_EBADHANDLE;
+    }
+    const auto closed = server->Server()->TakeClosedClients(room);
+    std::copy(closed.begin(), closed.end(), ids);
+    return static_cast<int>(closed.size());
+}
+
+namespace {
 
 const NkHosTransportOps kOperations{&Call, &Receive, &Reply};
 

@@ -89,6 +89,9 @@ TEST_F(BadInput, EachRefusedRequestGetsItsCodeAndALogLineAndChangesNothing) {
     nonRooted[1].path = "y/a/";
     RawItems levelJump = Items("x/", Setting(SettingMap{{"a", Setting(true)}}));
     levelJump[1].path = "x/a/b/";
+    // w/, w/a/, w/b/c/: the last one does not lie below w/a/, under which a rebuild would put it.
+    RawItems misnested = Items("w/", Setting(SettingMap{{"a", Setting(SettingMap{{"c", Setting(true)}})}}));
+    misnested[2].path = "w/b/c/";
     RawItems badValue = Items("x/", Setting(true));
     badValue[0].value[0] = 16;
     const struct {
@@ -113,6 +116,8 @@ TEST_F(BadInput, EachRefusedRequestGetsItsCodeAndALogLineAndChangesNothing) {
          "[RawSetting] non-rooted path"},
         {"a level jump", [&] { return m_ism->Write("x/", 6, 2, levelJump).rc; }, kLevelJump,
          "[RawSetting] path level jump"},
+        {"a node that does not nest", [&] { return m_ism->Write("w/", 6, 3, misnested).rc; }, kInvalidArgument,
+         "the node 'w/b/c/' does not lie below the node 'w/a/' before it"},
         {"a value index of 16", [&] { return m_ism->Write("x/", 6, 1, badValue).rc; },
          static_cast<std::int32_t>(0x8000005Eu), "[RawSetting] Invalid value index: 16"},
         {"nodes of another path", [&] { return m_ism->Write("y/", 6, 1, Items("x/", Setting(true))).rc; },
@@ -208,6 +213,45 @@ TEST_F(BadInput, ReadMasksChooseWhatComesBack) {
     Setting alone = SettingMap{};
     alone.attributes.flag = true;
     EXPECT_TRUE(read(0x06) == alone);
+}
+
+// An exchange belongs to the connection that opened it: another connection can't continue or cancel
+// it, a read stays the tree it began on while a write changes that tree, and a connection's open
+// exchanges close with it.
+TEST_F(BadInput, AnExchangeBelongsToItsConnectionAndReadsTheTreeItBeganOn) {
+    settings_manager::SettingList list;
+    for (int i = 0; i < 20; ++i) {
+        list.push_back(Setting(std::int32_t{i}));
+    }
+    const Setting before = Setting(list);
+    ASSERT_EQ(m_ism->Write("l/", 6, 21, Items("l/", before)).rc, 0);
+    RawItems items;
+    std::uint64_t ncount = 0;
+    const auto opened = m_ism->Read("l/", 0x16, items, ncount);
+    ASSERT_EQ(opened.rc, 0);
+    ASSERT_EQ(ncount, 21u);
+    ASSERT_LT(items.size(), ncount);
+
+    auto other = std::make_unique<RawIsm>(kService);
+    EXPECT_EQ(other->ReadNext(opened.id), kNotFound);
+    EXPECT_EQ(other->Cancel(opened.id), kNotFound);
+    EXPECT_TRUE(m_daemon->LogContains("which is no open read exchange of connection"));
+    EXPECT_EQ(other->Write("l/", 6, 1, Items("l/", Setting(settings_manager::SettingList{}))).rc, 0);
+    for (bool last = false; !last;) {
+        ASSERT_EQ(m_ism->ReadNext(opened.id, &items, &last), 0);
+    }
+    uvc::Path path;
+    Setting read;
+    ASSERT_EQ(settings_manager::Deserialize(items, path, read).first, 0);
+    EXPECT_TRUE(read == before);
+
+    const auto half = Items("t/", Map16());
+    ASSERT_EQ(other->Write("t/", 6, 16, {half.begin(), half.begin() + 8}).rc, 0);
+    other.reset();
+    for (int i = 0; i < 40 && !m_daemon->LogContains("its 1 open exchanges are closed"); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    EXPECT_TRUE(m_daemon->LogContains("its 1 open exchanges are closed"));
 }
 
 }  // namespace

@@ -57,6 +57,12 @@ int NkHosTransport_Init(NkHosTransport* transport, unsigned int handle, const vo
  * means not to wait at all. */
 int NkHosSetTransportTimeouts(NkHosTransport* transport, unsigned int receiveMs, unsigned int sendMs);
 
+/* Server: the ids of clients whose connection has ended since the last call, as `pendingClient`
+ * named them, at most `room` of them. Returns how many were written (0 when none), or NK_EINVAL /
+ * NK_EBADHANDLE. The channel keeps that list only once this was called once, so a server that never
+ * asks keeps nothing. */
+int NkHosTakeClosedClients(NkHosTransport* transport, unsigned long long* ids, unsigned int room);
+
 #ifdef __cplusplus
 }
 

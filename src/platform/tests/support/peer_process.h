@@ -33,6 +33,7 @@ public:
     void Send(const std::string& line);
     // Ends the process with SIGKILL and reaps it.
     void Kill();
+    // Its process id, for a test that stops and continues it.
     pid_t Pid() const { return m_pid; }
 
 private:

@@ -5,7 +5,11 @@
 // from any thread, asks the host to serve the kept request again at its next turn, so that the
 // implementation answers it this time. Forget(key) drops it unanswered.
 //
-// Thread: HoldCurrent and the Take* calls on the serving thread; Wake and Forget from any thread.
+// It also tells the implementation which connection the request being served came on
+// (CurrentConnection), so that state a client makes (open exchanges, registrations) can be kept per
+// connection and dropped when the host reports the connection closed (ServingHost::Report::closed).
+//
+// Thread: HoldCurrent, CurrentConnection and the Take* calls on the serving thread; Wake and Forget from any thread.
 // Shared by whoever sets the server up, its implementations and the ServingHost.
 
 #include <atomic>
@@ -36,6 +40,12 @@ public:
         m_changed = true;
     }
 
+    // The connection of the request being served: an id the platform gives each client connection of
+    // the server channel, never reused while the server runs; 0 outside a request.
+    std::uint64_t CurrentConnection() const { return m_currentConnection; }
+    // For the host: the connection of the request it is about to serve.
+    void SetCurrentConnection(std::uint64_t connection) { m_currentConnection = connection; }
+
     // For the host: the key the request just served asked to be held under, once.
     std::optional<std::uint64_t> TakeHoldCurrent() {
         auto key = m_holdCurrent;
@@ -55,6 +65,7 @@ public:
 
 private:
     std::optional<std::uint64_t> m_holdCurrent;
+    std::uint64_t m_currentConnection = 0;
     std::mutex m_mutex;
     std::atomic<bool> m_changed{false};
     std::set<std::uint64_t> m_woken;

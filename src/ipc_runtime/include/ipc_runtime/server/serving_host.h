@@ -64,6 +64,9 @@ public:
         bool served = false;  // a request came in (answered or kept)
         // Keys whose kept request could not be answered: the client has gone.
         std::vector<std::uint64_t> gone;
+        // Connections (as DeferredReplies::CurrentConnection named them) that have closed since the
+        // last turn.
+        std::vector<std::uint64_t> closed;
     };
     // Receives one request, waiting at most timeoutMs (NK_TIMEOUT_INFINITE: no limit), serves it, then
     // answers the woken kept requests.
@@ -80,6 +83,7 @@ private:
     // method does not take and marks their descriptors invalid.
     void Dispatch(nk_message* request, nk_arena* requestArena);
     void AnswerDeferred(Report& report);
+    void TakeClosed(Report& report);
 
     ComponentTree m_tree;
     const ServerOptions m_options;
