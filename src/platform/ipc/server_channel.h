@@ -71,6 +71,9 @@ public:
     // Returns 0, NK_ECLOSED when that client has gone, or the failure of building or sending the
     // frame (the client is then told of it with a Refused frame).
     int Reply(const Pending& pending, const nk_message* response, const nk_arena* arena);
+    // The process id of the client `client` as the kernel gave it when it connected (SO_PEERCRED),
+    // or -1 when that client has gone.
+    pid_t PeerPid(uint64_t client);
     const std::string& Name() const { return m_name; }
 
 private:
