@@ -122,7 +122,10 @@ UnitParseResult ParseUnit(std::string_view text) {
     if (result.unit.name.empty()) {
         result.unit.name = Basename(result.unit.program);
     }
-
+    if (result.unit.name.empty()) {
+        lineNumber = 0;
+        return fail("no name: give name= or a program whose path ends in a file name");
+    }
     result.ok = true;
     return result;
 }

@@ -58,6 +58,7 @@ TEST(UnitFile, FaultsNameTheirLine) {
         {"program=a\nenvironment==x\n", "line 2: environment needs KEY=VALUE"},
         {"program=a\nstart_timeout_ms=-5\n", "line 2: start_timeout_ms must be a number, 0 for no limit"},
         {"name=x\n", "line 0: program is missing"},
+        {"program=/usr/bin/\n", "line 0: no name: give name= or a program whose path ends in a file name"},
         {"", "line 0: program is missing"},
         {" program=a\n", "line 1: unknown key ' program'"},
     };
