@@ -104,11 +104,16 @@ Supervisor::App* Supervisor::Caller(const std::string& name, long pid, const cha
     if (app != nullptr && app->pid > 0 && app->pid == pid) {
         return app;
     }
+    // A caller that keeps calling is said at warning once, then at debug level.
+    const bool first = m_refusedCallers.insert(pid).second;
+    if (m_refusedCallers.size() > kRefusedCallersKept) {
+        m_refusedCallers.clear();
+    }
+    const LogLevel level = first ? LogLevel::Warning : LogLevel::Debug;
     if (app == nullptr) {
-        HL_LOG(LogLevel::Warning, "{} from pid {} refused: no application is called {}", call, pid, name);
+        HL_LOG(level, "{} from pid {} refused: no application is called {}", call, pid, name);
     } else {
-        HL_LOG(LogLevel::Warning, "{}[{}]: {} from pid {} refused: not the application's process", name,
-               app->pid, call, pid);
+        HL_LOG(level, "{}[{}]: {} from pid {} refused: not the application's process", name, app->pid, call, pid);
     }
     return nullptr;
 }

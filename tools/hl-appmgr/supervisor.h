@@ -18,7 +18,8 @@
 // watch window starts again.
 //
 // Thread: lifecycle and control calls on the server thread, the rest on the loop's thread. One
-// mutex guards everything. A lifecycle call is accepted only from the pid the application runs as.
+// mutex guards everything. A lifecycle call is accepted only from the pid the application runs as;
+// a refusal is logged at warning once per calling pid, then at debug level.
 #pragma once
 
 #include <sys/types.h>
@@ -29,6 +30,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -144,6 +146,8 @@ private:
     std::vector<App> m_apps;
     std::vector<Watch> m_watches;
     std::map<std::string, std::int64_t> m_commands;
+    static constexpr std::size_t kRefusedCallersKept = 256;
+    std::set<long> m_refusedCallers;  // pids whose refusal was said at warning
     bool m_stoppingAll = false;
 };
 
