@@ -1,48 +1,41 @@
 // hl-appmgr: the application manager of the hosted platform.
 #include <diagnostics/hos_logger.h>
 
-#include <cstdio>
-#include <cstring>
-#include <string>
-#include <vector>
+#include <hl_cli/tool.h>
 
 #include "commands.h"
 
 namespace {
 
-constexpr const char* kUsage =
-    "Usage: hl-appmgr COMMAND [ARGS...]\n"
-    "\n"
-    "Commands:\n"
-    "  run      start applications and supervise them; serves the application manager's interfaces\n"
-    "  status   show each application's state, pid, time since its last Ping and restart count\n"
-    "  command  set a command of an application and raise its update event\n"
-    "\n"
-    "Run 'hl-appmgr COMMAND --help' for the arguments of a command.\n"
-    "The runtime directory is $HL_RUNTIME_DIR, else $XDG_RUNTIME_DIR/halcyra, else /tmp/halcyra-<uid>;\n"
-    "the manager keeps its state file and command box in its subdirectory appmgr/.\n"
-    "\n"
-    "Exit codes: 0 success; 1 usage error; others as the command's help says.\n";
+constexpr const char* kDescription =
+    "Starts and supervises the applications of the hosted platform (run), and answers requests about\n"
+    "them as systemctl does about units: start, stop, restart, reset-failed, status [NAME], is-active\n"
+    "NAME, and command, which sets a command of an application. The requests reach the running manager\n"
+    "of the runtime directory ($HL_RUNTIME_DIR, else $XDG_RUNTIME_DIR/halcyra, else /tmp/halcyra-<uid>)\n"
+    "over its control interface. 'hl-appmgr COMMAND --help' gives a command's arguments.";
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2 || std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0) {
-        std::fputs(kUsage, argc < 2 ? stderr : stdout);
-        return argc < 2 ? 1 : 0;
+    hl::cli::Tool tool("hl-appmgr", kDescription,
+                       {{0, "done; status and is-active: the applications are active"},
+                        {hl_appmgr::kExitFailed,
+                         "no hl-appmgr answers, or it refused or failed the request; run: the manager can't be "
+                         "set up (another one serves this runtime directory)"},
+                        {hl::cli::kExitUsage, "usage error; run: a unit file that can't be read or is wrong"},
+                        {hl_appmgr::kExitNotActive, "status, is-active: an application is not active"},
+                        {hl_appmgr::kExitNoSuchApplication, "no such application"}});
+    CLI::App& app = tool.App();
+    app.require_subcommand(1);
+    hl_appmgr::Action action = hl_appmgr::AddRun(app);
+    hl_appmgr::Action control;
+    hl_appmgr::AddControlCommands(app, control);
+    if (const auto status = tool.Parse(argc, argv)) {
+        return *status;
     }
     hos::logger::HOSLogger::Setup("APPMGR", hos::logger::LogLevel::Info, nullptr);
-    const std::string command = argv[1];
-    const std::vector<std::string> arguments(argv + 2, argv + argc);
-    if (command == "run") {
-        return hl_appmgr::RunRun(arguments);
+    if (app.got_subcommand("run")) {
+        return action();
     }
-    if (command == "status") {
-        return hl_appmgr::RunStatus(arguments);
-    }
-    if (command == "command") {
-        return hl_appmgr::RunCommand(arguments);
-    }
-    std::fprintf(stderr, "hl-appmgr: unknown command '%s'\n\n%s", command.c_str(), kUsage);
-    return 1;
+    return control();
 }

@@ -33,6 +33,8 @@ public:
     void StopWatchdog(const std::string& reason);
     // STOPPING=1.
     void Stopping();
+    // How often KeepAlive has something to send: half of WatchdogSec; 0 when systemd does not watch.
+    std::chrono::microseconds KeepAliveEvery() const { return m_watchdogInterval / 2; }
 
 private:
     void Send(const std::string& message);

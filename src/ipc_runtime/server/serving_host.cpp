@@ -55,7 +55,7 @@ ServingHost::ServingHost(ComponentTree tree, const std::string& serverName, Serv
     for (const ComponentTree::Service& service : m_tree.Services()) {
         const int published = shared::ipc_dispatcher::PublishServices({{service.fullName.c_str(), serverName.c_str()}});
         if (published != 0) {
-            KnHandleClose(m_channel);
+            KnHandleClose(m_channel.exchange(NK_INVALID_HANDLE));
             throw std::runtime_error("can't publish " + service.fullName + " (" +
                                      fmt::format("0x{:08x}", static_cast<unsigned>(published)) + ")");
         }
@@ -64,8 +64,12 @@ ServingHost::ServingHost(ComponentTree tree, const std::string& serverName, Serv
 }
 
 ServingHost::~ServingHost() {
-    if (m_channel != NK_INVALID_HANDLE) {
-        KnHandleClose(m_channel);
+    Interrupt();
+}
+
+void ServingHost::Interrupt() {
+    if (const unsigned int channel = m_channel.exchange(NK_INVALID_HANDLE); channel != NK_INVALID_HANDLE) {
+        KnHandleClose(channel);
     }
 }
 
@@ -110,9 +114,13 @@ ServingHost::Report ServingHost::ServeOne(unsigned int timeoutMs) {
     if (received == NK_EOK) {
         report.served = true;
         m_deferred->TakeHoldCurrent();
+        if (NkHosTransportPeerPid(&m_transport, &m_peerPid) != NK_EOK) {
+            m_peerPid = -1;
+        }
         m_deferred->SetCurrentConnection(m_transport.pendingClient);
         Dispatch(request, &requestArena);
         m_deferred->SetCurrentConnection(0);
+        m_peerPid = -1;
         if (const auto key = m_deferred->TakeHoldCurrent()) {
             Kept kept{m_transport, m_request, std::vector<unsigned char>(requestArena.start, requestArena.cursor),
                       std::chrono::steady_clock::now()};
@@ -170,9 +178,13 @@ void ServingHost::AnswerDeferred(Report& report) {
         auto* request = reinterpret_cast<nk_message*>(kept.message.data());
         nk_arena arena{kept.arena.data(), kept.arena.data() + kept.arena.size(),
                        kept.arena.data() + kept.arena.size()};
+        if (NkHosTransportPeerPid(&kept.transport, &m_peerPid) != NK_EOK) {
+            m_peerPid = -1;
+        }
         m_deferred->SetCurrentConnection(kept.transport.pendingClient);
         Dispatch(request, &arena);
         m_deferred->SetCurrentConnection(0);
+        m_peerPid = -1;
         if (const auto again = m_deferred->TakeHoldCurrent()) {
             m_kept[*again] = std::move(kept);
             continue;

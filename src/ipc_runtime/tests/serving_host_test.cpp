@@ -1,6 +1,7 @@
 // The serving host in this process, with a client of the generated proxy on another thread: a reply
-// deferred by the implementation and released from a third thread, a forgotten one, and a second
-// server of a name already served.
+// deferred by the implementation and released from a third thread, a forgotten one, a second
+// server of a name already served, the caller's pid as an implementation sees it, and an interrupt
+// that ends a wait without a time limit.
 #include <ipc_runtime/connection_builder.h>
 #include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <ipc_runtime/resource_provider.h>
@@ -9,6 +10,8 @@
 #include <support/scoped_runtime_directory.h>
 
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -44,6 +47,17 @@ public:
 
 private:
     std::shared_ptr<DeferredReplies> m_deferred;
+};
+
+// Answers 1 at once, noting the pid the host gives for the caller.
+class PidNotingArbiter final : public AccessArbiter {
+public:
+    void GetUserDecision(unsigned char& decision) override {
+        peer = host->PeerPid();
+        decision = 1;
+    }
+    ServingHost* host = nullptr;
+    std::atomic<int> peer{0};
 };
 
 ComponentTree Tree(AccessArbiter* implementation) {
@@ -154,6 +168,28 @@ TEST_F(ServingHostTest, ASecondServerOfANameAlreadyServedIsRefused) {
     EXPECT_THROW(ServingHost(Tree(&m_arbiter), kServer), std::runtime_error);
     EXPECT_THROW(ComponentTree("hl.test.Null").Serve<AccessArbiter>(1, "a", "b", "c", nullptr),
                  std::invalid_argument);
+}
+
+TEST_F(ServingHostTest, AnImplementationSeesItsCallersPidAndAnInterruptEndsAWaitWithoutLimit) {
+    PidNotingArbiter arbiter;
+    m_host = std::make_unique<ServingHost>(Tree(&arbiter), kServer);
+    arbiter.host = m_host.get();
+    std::promise<void> waited;
+    std::thread server([this, &waited] {
+        m_host->ServeOne(NK_TIMEOUT_INFINITE);  // the request
+        m_host->ServeOne(NK_TIMEOUT_INFINITE);  // nothing comes: only the interrupt ends it
+        waited.set_value();
+    });
+    auto answer = Ask(5000);
+    ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
+    EXPECT_EQ(answer.get(), 1);
+    EXPECT_EQ(arbiter.peer, static_cast<int>(::getpid())) << "the client runs in this process";
+    EXPECT_EQ(m_host->PeerPid(), -1) << "no request is being served";
+    auto ended = waited.get_future();
+    EXPECT_EQ(ended.wait_for(300ms), std::future_status::timeout);
+    m_host->Interrupt();
+    EXPECT_EQ(ended.wait_for(5s), std::future_status::ready);
+    server.join();
 }
 
 }  // namespace

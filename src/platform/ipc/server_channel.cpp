@@ -1,5 +1,6 @@
 #include "ipc/server_channel.h"
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -245,6 +246,19 @@ int ServerChannel::Reply(const Pending& pending, const nk_message* response, con
         return NK_ECLOSED;
     }
     return connection->SendResponse(pending.sequence, response, arena);
+}
+
+pid_t ServerChannel::PeerPid(uint64_t client) {
+    const auto connection = m_turns->Find(client);
+    if (!connection) {
+        return -1;
+    }
+    ucred credentials{};
+    socklen_t length = sizeof(credentials);
+    if (::getsockopt(connection->Fd(), SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
+        return -1;
+    }
+    return credentials.pid;
 }
 
 }  // namespace hos::platform

@@ -74,6 +74,9 @@ public:
     // The ids (as `pending.client` gives them) of clients whose connection has ended since the last
     // call, at most `room`; the channel keeps that list only once this was called once.
     std::vector<uint64_t> TakeClosedClients(size_t room) { return m_turns->TakeDropped(room); }
+    // The process id of the client `client` as the kernel gave it when it connected (SO_PEERCRED),
+    // or -1 when that client has gone.
+    pid_t PeerPid(uint64_t client);
     const std::string& Name() const { return m_name; }
 
 private:

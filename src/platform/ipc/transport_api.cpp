@@ -102,6 +102,22 @@ extern "C" int NkHosTransport_Init(NkHosTransport* transport, unsigned int handl
     return NK_EOK;
 }
 
+extern "C" int NkHosTransportPeerPid(const NkHosTransport* transport, int* pid) {
+    if (transport == nullptr || pid == nullptr || transport->pendingClient == 0) {
+        return NK_EINVAL;
+    }
+    const auto server = FindOfKind(transport->handle, HandleObject::Kind::Server);
+    if (!server) {
+        return NK_EBADHANDLE;
+    }
+    const pid_t peer = server->Server()->PeerPid(transport->pendingClient);
+    if (peer <= 0) {
+        return NK_ECLOSED;
+    }
+    *pid = peer;
+    return NK_EOK;
+}
+
 extern "C" int NkHosSetTransportTimeouts(NkHosTransport* transport, unsigned int receiveMs,
                                          unsigned int sendMs) {
     if (transport == nullptr) {

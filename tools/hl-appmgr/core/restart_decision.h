@@ -36,6 +36,8 @@ public:
     // The decision for a process that ended at nowMs in the given way. Back-off doubles with each
     // start still inside the start limit window: 500 ms, 1 s, 2 s ... up to 30 s.
     RestartDecision Decide(EndKind kind, std::int64_t nowMs);
+    // Forgets the starts so far (reset-failed): the start limit counts from zero again.
+    void Reset() { m_starts.clear(); }
 
 private:
     RestartPolicy m_policy;

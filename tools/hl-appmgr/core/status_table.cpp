@@ -1,142 +1,101 @@
 #include "status_table.h"
 
-#include <charconv>
-#include <cstdio>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace hl_appmgr {
 
 namespace {
 
-std::string Clean(std::string_view text) {
-    std::string out(text);
-    for (char& c : out) {
-        if (c == '\t' || c == '\n' || c == '\r') {
-            c = '_';
-        }
-    }
-    return out;
+using nlohmann::json;
+
+json OrNull(std::int64_t value) {
+    return value < 0 ? json(nullptr) : json(value);
 }
 
-template <typename T>
-bool ParseNumber(std::string_view text, T& out) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), out);
-    return !text.empty() && error == std::errc() && end == text.data() + text.size();
+std::int64_t OrMinusOne(const json& value) {
+    return value.is_null() ? -1 : value.get<std::int64_t>();
 }
 
-std::vector<std::string_view> Split(std::string_view text, char separator) {
-    std::vector<std::string_view> parts;
-    for (;;) {
-        const auto at = text.find(separator);
-        parts.push_back(text.substr(0, at));
-        if (at == std::string_view::npos) {
-            return parts;
-        }
-        text = text.substr(at + 1);
-    }
-}
-
-std::string JsonString(std::string_view text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-            out += escaped;
-        } else {
-            out += c;
-        }
-    }
-    return out + "\"";
-}
-
-std::string SinceText(const AppStatus& app, std::int64_t nowUnixMs) {
-    if (app.lastPingUnixMs < 0) {
-        return "-";
-    }
-    const std::int64_t ms = nowUnixMs > app.lastPingUnixMs ? nowUnixMs - app.lastPingUnixMs : 0;
-    char text[32];
-    std::snprintf(text, sizeof text, "%lld.%03llds", static_cast<long long>(ms / 1000),
-                  static_cast<long long>(ms % 1000));
-    return text;
+std::string Seconds(std::int64_t ms) {
+    return ms < 0 ? std::string("-") : fmt::format("{}.{:03}s", ms / 1000, ms % 1000);
 }
 
 }  // namespace
 
-std::string SerializeStatus(const StatusTable& table) {
-    std::string out = "manager_pid=" + std::to_string(table.managerPid) + "\n";
-    for (const AppStatus& app : table.apps) {
-        out += "app=" + Clean(app.name) + "\t" + Clean(app.state) + "\t" + std::to_string(app.pid) + "\t" +
-               std::to_string(app.lastPingUnixMs) + "\t" + std::to_string(app.restarts) + "\n";
-    }
-    return out;
+bool IsActive(std::string_view state) {
+    return state == "running";
 }
 
-std::optional<StatusTable> ParseStatus(std::string_view text) {
-    StatusTable table;
-    bool sawManager = false;
-    for (const std::string_view line : Split(text, '\n')) {
-        if (line.empty()) {
-            continue;
-        }
-        if (line.substr(0, 12) == "manager_pid=") {
-            if (!ParseNumber(line.substr(12), table.managerPid)) {
-                return std::nullopt;
-            }
-            sawManager = true;
-        } else if (line.substr(0, 4) == "app=") {
-            const auto fields = Split(line.substr(4), '\t');
-            AppStatus app;
-            if (fields.size() != 5 || !ParseNumber(fields[2], app.pid) ||
-                !ParseNumber(fields[3], app.lastPingUnixMs) || !ParseNumber(fields[4], app.restarts)) {
-                return std::nullopt;
-            }
-            app.name = fields[0];
-            app.state = fields[1];
-            table.apps.push_back(std::move(app));
-        } else {
-            return std::nullopt;
-        }
+std::string StatusToJson(const StatusTable& table) {
+    json apps = json::array();
+    for (const AppStatus& app : table.apps) {
+        apps.push_back({{"name", app.name},
+                        {"state", app.state},
+                        {"pid", app.pid},
+                        {"uptime_ms", OrNull(app.uptimeMs)},
+                        {"last_exit", app.lastExit.empty() ? json(nullptr) : json(app.lastExit)},
+                        {"restarts", app.restarts},
+                        {"ms_since_last_ping", OrNull(app.msSinceLastPing)},
+                        {"output", app.output}});
     }
-    if (!sawManager) {
+    // Names and output are the applications' bytes: invalid UTF-8 is replaced, never thrown on.
+    return json{{"manager_pid", table.managerPid}, {"applications", apps}}.dump(
+               -1, ' ', false, json::error_handler_t::replace) +
+           "\n";
+}
+
+std::optional<StatusTable> StatusFromJson(std::string_view text) {
+    try {
+        const json root = json::parse(text);
+        StatusTable table;
+        table.managerPid = root.at("manager_pid").get<long>();
+        for (const json& app : root.at("applications")) {
+            AppStatus status;
+            status.name = app.at("name").get<std::string>();
+            status.state = app.at("state").get<std::string>();
+            status.pid = app.at("pid").get<long>();
+            status.uptimeMs = OrMinusOne(app.at("uptime_ms"));
+            status.lastExit = app.at("last_exit").is_null() ? "" : app.at("last_exit").get<std::string>();
+            status.restarts = app.at("restarts").get<int>();
+            status.msSinceLastPing = OrMinusOne(app.at("ms_since_last_ping"));
+            status.output = app.at("output").get<std::vector<std::string>>();
+            table.apps.push_back(std::move(status));
+        }
+        return table;
+    } catch (const json::exception&) {
         return std::nullopt;
     }
-    return table;
 }
 
-std::string FormatStatusText(const StatusTable& table, std::int64_t nowUnixMs) {
-    std::string out = "hl-appmgr (pid " + std::to_string(table.managerPid) +
-                      "): " + std::to_string(table.apps.size()) + " application(s)\n";
-    char line[512];
-    std::snprintf(line, sizeof line, "%-24s %-16s %8s %16s %8s\n", "NAME", "STATE", "PID", "SINCE PING",
-                  "RESTARTS");
-    out += line;
+std::string FormatStatusText(const StatusTable& table, bool detail) {
+    std::string out;
+    if (!detail) {
+        out = fmt::format("hl-appmgr (pid {}): {} application(s)\n", table.managerPid, table.apps.size());
+        out += fmt::format("{:<20} {:<16} {:>8} {:>12} {:>8}\n", "NAME", "STATE", "PID", "SINCE PING", "RESTARTS");
+        for (const AppStatus& app : table.apps) {
+            out += fmt::format("{:<20} {:<16} {:>8} {:>12} {:>8}\n", app.name, app.state, app.pid,
+                               Seconds(app.msSinceLastPing), app.restarts);
+        }
+        return out;
+    }
     for (const AppStatus& app : table.apps) {
-        const std::string pid = app.pid > 0 ? std::to_string(app.pid) : "-";
-        std::snprintf(line, sizeof line, "%-24s %-16s %8s %16s %8d\n", app.name.c_str(), app.state.c_str(),
-                      pid.c_str(), SinceText(app, nowUnixMs).c_str(), app.restarts);
-        out += line;
+        out += fmt::format("{} - managed by hl-appmgr (pid {})\n", app.name, table.managerPid);
+        out += fmt::format("     State: {}\n", app.state);
+        if (app.pid > 0) {
+            out += fmt::format("       PID: {}\n    Uptime: {}\n", app.pid, Seconds(app.uptimeMs));
+        }
+        out += fmt::format(" Last exit: {}\n  Restarts: {}\n Last Ping: {}\n",
+                           app.lastExit.empty() ? "-" : app.lastExit, app.restarts,
+                           app.msSinceLastPing < 0 ? "-" : Seconds(app.msSinceLastPing) + " ago");
+        if (!app.output.empty()) {
+            out += "\n";
+            for (const std::string& line : app.output) {
+                out += line + "\n";
+            }
+        }
     }
     return out;
-}
-
-std::string FormatStatusJson(const StatusTable& table, std::int64_t nowUnixMs) {
-    std::string out = "{\"manager_pid\": " + std::to_string(table.managerPid) + ", \"applications\": [";
-    bool first = true;
-    for (const AppStatus& app : table.apps) {
-        out += first ? "\n " : ",\n ";
-        first = false;
-        const std::string since =
-            app.lastPingUnixMs < 0
-                ? "null"
-                : std::to_string(nowUnixMs > app.lastPingUnixMs ? nowUnixMs - app.lastPingUnixMs : 0);
-        out += "{\"name\": " + JsonString(app.name) + ", \"state\": " + JsonString(app.state) +
-               ", \"pid\": " + std::to_string(app.pid) + ", \"ms_since_last_ping\": " + since +
-               ", \"restarts\": " + std::to_string(app.restarts) + "}";
-    }
-    return out + "]}\n";
 }
 
 }  // namespace hl_appmgr

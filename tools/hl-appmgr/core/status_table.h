@@ -1,11 +1,10 @@
-// The status of the applications of a running hl-appmgr, as the manager writes it to its state
-// file and as `hl-appmgr status` prints it.
+// The status of the applications of a running hl-appmgr: what the manager answers to the control
+// interface's Status (a JSON text) and how `hl-appmgr status` prints it.
 //
-// State file: <runtime directory>/appmgr/status, replaced whole (written to a temporary file and
-// renamed) every 250 ms by the running manager. Text lines:
-//   manager_pid=<pid>
-//   app=<name>\t<state>\t<pid>\t<last Ping, ms since the Unix epoch, or -1>\t<restarts>
-// Names hold no tab or newline (the manager replaces them by '_').
+// JSON: {"manager_pid": N, "applications": [{"name", "state", "pid" (0 while none runs), "uptime_ms"
+// (null while none runs), "last_exit" (null before the first end), "restarts", "ms_since_last_ping"
+// (null before the first Ping of this run), "output" (the last lines of its output, oldest first;
+// empty when they were not asked for)}]}.
 // Pure functions; safe from any thread.
 #pragma once
 
@@ -19,10 +18,14 @@ namespace hl_appmgr {
 
 struct AppStatus {
     std::string name;
-    std::string state;  // starting, initializing, running, hung, waiting-restart, exited, failed, stopped
-    long pid = 0;       // 0 while no process runs
-    std::int64_t lastPingUnixMs = -1;
+    // starting, initializing, running, hung, stopping, waiting-restart, exited, failed, stopped
+    std::string state;
+    long pid = 0;
+    std::int64_t uptimeMs = -1;         // -1: no process
+    std::string lastExit;               // "exited with status N", "killed by signal N"; empty: none yet
     int restarts = 0;
+    std::int64_t msSinceLastPing = -1;  // -1: none yet
+    std::vector<std::string> output;
 };
 
 struct StatusTable {
@@ -30,13 +33,15 @@ struct StatusTable {
     std::vector<AppStatus> apps;
 };
 
-std::string SerializeStatus(const StatusTable& table);
-std::optional<StatusTable> ParseStatus(std::string_view text);
+// Whether the state counts as active (is-active, status's exit code).
+bool IsActive(std::string_view state);
 
-// Human-readable table; "since last Ping" is nowUnixMs - lastPingUnixMs ("-" when none yet).
-std::string FormatStatusText(const StatusTable& table, std::int64_t nowUnixMs);
-// One JSON object: {"manager_pid": N, "applications": [{"name", "state", "pid",
-// "ms_since_last_ping" (null when none), "restarts"}]}.
-std::string FormatStatusJson(const StatusTable& table, std::int64_t nowUnixMs);
+std::string StatusToJson(const StatusTable& table);
+// nullopt for a text that is not such an object.
+std::optional<StatusTable> StatusFromJson(std::string_view text);
+
+// Human-readable: one line per application; with `detail`, systemctl status's form (state, pid,
+// uptime, last exit, restarts, last Ping, then the output lines).
+std::string FormatStatusText(const StatusTable& table, bool detail);
 
 }  // namespace hl_appmgr

@@ -101,6 +101,11 @@ UnitParseResult ParseUnit(std::string_view text) {
                 return fail("start_limit_interval_ms must be a positive number");
             }
             result.unit.startLimitIntervalMs = number;
+        } else if (key == "start_timeout_ms") {
+            if (!ParseNumber(value, number) || number < 0) {
+                return fail("start_timeout_ms must be a number, 0 for no limit");
+            }
+            result.unit.startTimeoutMs = number;
         } else if (key == "stop_timeout_ms") {
             if (!ParseNumber(value, number) || number <= 0) {
                 return fail("stop_timeout_ms must be a positive number");
@@ -116,6 +121,10 @@ UnitParseResult ParseUnit(std::string_view text) {
     }
     if (result.unit.name.empty()) {
         result.unit.name = Basename(result.unit.program);
+    }
+    if (result.unit.name.empty()) {
+        lineNumber = 0;
+        return fail("no name: give name= or a program whose path ends in a file name");
     }
     result.ok = true;
     return result;

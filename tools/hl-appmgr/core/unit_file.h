@@ -10,7 +10,8 @@
 //   restart=no|on-failure|always   (default on-failure)
 //   start_limit=N             at most N starts within start_limit_interval_ms (default 5)
 //   start_limit_interval_ms=N (default 60000)
-//   stop_timeout_ms=N         on the manager's stop, SIGKILL this long after SIGTERM (default 5000)
+//   start_timeout_ms=N        a start without ReadyToShowUI this long is failed (default 0: no limit)
+//   stop_timeout_ms=N         on a stop, SIGKILL this long after SIGTERM (default 5000)
 // Plain data; ParseUnit is a pure function, safe from any thread.
 #pragma once
 
@@ -33,6 +34,7 @@ struct Unit {
     RestartPolicy restart = RestartPolicy::OnFailure;
     int startLimit = 5;
     std::int64_t startLimitIntervalMs = 60000;
+    std::int64_t startTimeoutMs = 0;
     std::int64_t stopTimeoutMs = 5000;
 };
 

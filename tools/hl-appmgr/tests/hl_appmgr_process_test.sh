@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # hl-appmgr with real managed processes: lifecycle lines in order, a hung (stopped) child found
 # within its interval + 1 s and restarted, a crashed child restarted, a clean exit left alone, a
-# failed start restarted up to the start limit, `command` raising the update event, `status`.
+# failed start restarted up to the start limit, a start that never gets ready failed by its timeout,
+# `command` raising the update event, a Ping from another process refused, the control verbs and
+# their exit codes (a table), `status NAME` with the output lines, a stop reaching a child's child, a
+# manager stopped for 20 s that blames nobody, and an idle manager that stays asleep.
 #   hl_appmgr_process_test.sh HL_APPMGR TEST_APP
 set -uo pipefail
 APPMGR=$1
@@ -32,12 +35,37 @@ unit frozen run
 unit crasher crash "start_limit=2"
 unit quitter exit0
 unit broken failstart "start_limit=2" "start_limit_interval_ms=60000"
-"$APPMGR" --help | grep -q "Exit codes" || fail "no exit codes in --help"
-"$APPMGR" run --unit "$WORK/missing.unit"; [ $? -eq 2 ] || fail "a missing unit file must exit 2"
-"$APPMGR" status; [ $? -eq 3 ] || fail "status without a manager must exit 3"
+unit lazy noready "start_timeout_ms=1000" "restart=no"
+unit parent spawn
+# expect CODE ARGS...: hl-appmgr ARGS exits CODE
+expect() {
+  local code=$1; shift
+  "$APPMGR" "$@" > "$WORK/said" 2>&1; local rc=$?
+  [ $rc -eq "$code" ] || fail "hl-appmgr $* exited $rc, not $code: $(cat "$WORK/said")"
+}
+# expect_table: one "CODE ARGS..." per line on standard input
+expect_table() {
+  local code args
+  while read -r code args; do
+    eval "expect $code $args"
+  done
+}
+"$APPMGR" --help | grep -q "^Exit status:" || fail "no exit codes in --help"
+expect_table <<TABLE
+0 --version
+2 bogus
+2 run --restart sometimes -- true
+2 run --log-level 9 -- true
+2 run --unit '$WORK/missing.unit'
+2 stop
+1 status
+TABLE
+said=$("$APPMGR" run --restart sometimes -- true 2>&1)
+[[ $said == *"--restart: sometimes"* ]] || fail "--restart's error: $said"
 
 "$APPMGR" run --log-level 1 --unit "$WORK/steady.unit" --unit "$WORK/frozen.unit" --unit "$WORK/crasher.unit" \
-  --unit "$WORK/quitter.unit" --unit "$WORK/broken.unit" > "$WORK/out" 2> "$WORK/log" &
+  --unit "$WORK/quitter.unit" --unit "$WORK/broken.unit" --unit "$WORK/lazy.unit" --unit "$WORK/parent.unit" \
+  > "$WORK/out" 2> "$WORK/log" &
 MANAGER=$!
 
 # Lifecycle of a normal start, in order.
@@ -76,17 +104,77 @@ wait_for 'broken: start limit' 30
 grep -qE 'broken\[[0-9]+\]: FinishWithInternalError: Failed to start test / asked to fail' "$WORK/log" || fail "broken"
 [ "$(grep -cE 'broken\[[0-9]+\]: exited with status 1 \(failed start\)' "$WORK/log")" -eq 2 ] || fail "broken twice"
 
+# A start that never reports ready is failed by its start_timeout_ms.
+wait_for 'lazy\[[0-9]+\]: not ready within start_timeout_ms \(1000 ms\)' 10
+wait_for 'lazy: not restarted' 10
+
+# A Ping from a process that is not the application's is refused and logged; steady runs on.
+(exec -a steady "$APP" run 200 > "$WORK/impostor" 2>&1) & impostor=$!
+wait_for "steady\[$pid\]: Ping from pid $impostor refused" 10
+kill "$impostor"
+grep -q "Ping refused rc=0x90000005" "$WORK/impostor" || fail "the impostor's Ping was not refused"
+
+# The verbs and their exit codes against the live manager.
+expect_table <<TABLE
+0 status steady
+3 status crasher
+4 status nobody
+0 is-active steady
+3 is-active quitter
+4 is-active nobody
+1 start crasher
+4 stop nobody
+4 command nobody volume 1
+0 reset-failed crasher
+TABLE
+[ "$("$APPMGR" is-active quitter)" = exited ] || fail "is-active quitter prints its state"
+
+# stop reaches the child's child; start runs it again; restart makes a new process; status NAME
+# shows the uptime, last exit, restarts and the output.
+wait_for 'parent\[[0-9]+\]: Ping' 30
+grandchild=$(grep -oE '^child [0-9]+' "$WORK/out" | head -1 | cut -d' ' -f2)
+kill -0 "$grandchild" || fail "no grandchild"
+expect 0 stop parent
+for _ in $(seq 50); do kill -0 "$grandchild" 2>/dev/null || break; sleep 0.1; done
+kill -0 "$grandchild" 2>/dev/null && fail "stop left the child's child $grandchild running"
+expect 3 is-active parent
+expect 0 start parent
+expect 0 is-active parent
+before=$("$APPMGR" status --json parent | python3 -c 'import json,sys; print(json.load(sys.stdin)["applications"][0]["pid"])')
+expect 0 restart parent
+"$APPMGR" status parent > "$WORK/status"; rc=$?
+[ $rc -eq 0 ] || fail "status parent exited $rc"
+grep -qE '^ +State: running$' "$WORK/status" || fail "status parent: $(cat "$WORK/status")"
+grep -qE "^ +PID: $before$" "$WORK/status" && fail "restart kept pid $before"
+for line in 'Uptime: [0-9]+\.[0-9]{3}s' 'Restarts: 1' 'Last exit: exited with status 0' 'Last Ping: ' ; do
+  grep -qE "^ +$line" "$WORK/status" || fail "status parent has no '$line': $(cat "$WORK/status")"
+done
+grep -qE '^child [0-9]+$' "$WORK/status" || fail "no output lines in status: $(cat "$WORK/status")"
+
+# A manager stopped for 20 s wakes without blaming the healthy applications.
+kill -STOP "$MANAGER"
+sleep 20
+kill -CONT "$MANAGER"
+# (Whichever the manager sees first after SIGCONT, the late timer or the Pings that waited, nobody
+# is blamed.)
+sleep 3
+grep -E "(steady|frozen|parent)\[[0-9]+\]: hung" "$WORK/log" | grep -qv "frozen\[$fpid\]" \
+  && fail "the stall was blamed on an application"
+expect 0 is-active steady
+
 # status: text and JSON.
 sleep 0.5
-"$APPMGR" status > "$WORK/status" || fail "status exited $?"
+"$APPMGR" status > "$WORK/status"; [ $? -eq 3 ] || fail "status with failed applications must exit 3"
 grep -qE '^steady +running +[0-9]+ +[0-9]+\.[0-9]{3}s +0$' "$WORK/status" || fail "status: $(cat "$WORK/status")"
-"$APPMGR" status --json | python3 -c '
+"$APPMGR" status --json > "$WORK/status.json"
+python3 -c '
 import json, sys
 apps = {a["name"]: a for a in json.load(sys.stdin)["applications"]}
 assert apps["steady"]["state"] == "running" and apps["steady"]["ms_since_last_ping"] < 1500, apps
 assert apps["frozen"]["restarts"] == 1, apps
-assert apps["crasher"]["state"] == "failed" and apps["quitter"]["state"] == "exited", apps
-' || fail "status --json"
+assert apps["broken"]["state"] == "failed" and apps["quitter"]["state"] == "exited", apps
+assert apps["lazy"]["state"] == "failed" and apps["lazy"]["last_exit"] == "exited with status 0", apps
+' < "$WORK/status.json" || fail "status --json"
 
 # SIGTERM ends the applications (they report StateChanged(-2)) and the manager with 0.
 kill -TERM "$MANAGER"
@@ -95,5 +183,17 @@ MANAGER=""
 [ $rc -eq 0 ] || fail "the manager exited $rc"
 grep -qE "steady\[$pid\]: StateChanged\(-2\)" "$WORK/log" || fail "no StateChanged(-2) from steady"
 grep -qE "steady\[$pid\]: exited with status 0 \(stopped\)" "$WORK/log" || fail "steady did not exit cleanly"
-"$APPMGR" status; [ $? -eq 3 ] || fail "status after the manager ended must exit 3"
+expect 1 status
+
+# An idle manager sleeps: at most one wakeup a second over all its threads.
+{ echo "name=idle"; echo "program=$APP"; echo "argument=run"; echo "argument=60000"
+  echo "watchdog_interval_ms=120000"; } > "$WORK/idle.unit"
+"$APPMGR" run --unit "$WORK/idle.unit" > "$WORK/out" 2> "$WORK/log" &
+MANAGER=$!
+wait_for 'idle\[[0-9]+\]: ReadyToShowUI' 30
+sleep 1
+switches() { cat /proc/"$MANAGER"/task/*/status | awk '/^(non)?voluntary_ctxt_switches/ {n += $2} END {print n}'; }
+first=$(switches); sleep 4; last=$(switches)
+echo "idle manager: $(( last - first )) context switches in 4 s"
+[ $(( last - first )) -le 4 ] || fail "an idle manager woke $(( last - first )) times in 4 s"
 echo "PASS"

@@ -1,6 +1,5 @@
-// The state file round trip, what a reader refuses, and the text and JSON forms of status.
+// The status as the manager answers it (JSON) and as hl-appmgr status prints it.
 #include "core/status_table.h"
-#include "core/command_box.h"
 
 #include <gtest/gtest.h>
 
@@ -8,53 +7,53 @@ namespace hl_appmgr {
 namespace {
 
 StatusTable Sample() {
-    return {4242, {{"AccessArbiter", "running", 4300, 1000000, 2}, {"we\tird\nname", "exited", 0, -1, 0}}};
+    return {4242,
+            {{"AccessArbiter", "running", 4300, 61500, "killed by signal 6", 2, 2345, {"first", "last"}},
+             {"we\tird", "exited", 0, -1, "", 0, -1, {}}}};
 }
 
-TEST(StatusTable, RoundTripCleansNames) {
-    const auto parsed = ParseStatus(SerializeStatus(Sample()));
+TEST(StatusTable, JsonRoundTripKeepsEveryField) {
+    const auto parsed = StatusFromJson(StatusToJson(Sample()));
     ASSERT_TRUE(parsed.has_value());
     EXPECT_EQ(parsed->managerPid, 4242);
     ASSERT_EQ(parsed->apps.size(), 2U);
-    EXPECT_EQ(parsed->apps[0].name, "AccessArbiter");
-    EXPECT_EQ(parsed->apps[0].pid, 4300);
-    EXPECT_EQ(parsed->apps[0].lastPingUnixMs, 1000000);
-    EXPECT_EQ(parsed->apps[0].restarts, 2);
-    EXPECT_EQ(parsed->apps[1].name, "we_ird_name");
-    EXPECT_EQ(parsed->apps[1].lastPingUnixMs, -1);
+    const AppStatus& first = parsed->apps[0];
+    EXPECT_EQ(first.pid, 4300);
+    EXPECT_EQ(first.uptimeMs, 61500);
+    EXPECT_EQ(first.lastExit, "killed by signal 6");
+    EXPECT_EQ(first.restarts, 2);
+    EXPECT_EQ(first.msSinceLastPing, 2345);
+    EXPECT_EQ(first.output, (std::vector<std::string>{"first", "last"}));
+    EXPECT_EQ(parsed->apps[1].name, "we\tird");
+    EXPECT_EQ(parsed->apps[1].uptimeMs, -1);
+    EXPECT_EQ(parsed->apps[1].msSinceLastPing, -1);
+    EXPECT_EQ(parsed->apps[1].lastExit, "");
 }
 
-TEST(StatusTable, MalformedFilesAreRefused) {
+TEST(StatusTable, MalformedTextsAreRefused) {
     for (const char* text :
-         {"", "app=a\trunning\t1\t2\t3\n", "manager_pid=x\n", "manager_pid=1\napp=a\tb\t1\t2\n",
-          "manager_pid=1\napp=a\tb\tone\t2\t3\n", "manager_pid=1\nsomething\n"}) {
-        EXPECT_FALSE(ParseStatus(text).has_value()) << text;
+         {"", "[]", "{\"manager_pid\": 1}", "{\"manager_pid\": \"x\", \"applications\": []}",
+          "{\"manager_pid\": 1, \"applications\": [{\"name\": \"a\"}]}", "{\"manager_pid\": 1, \"applications\": ["}) {
+        EXPECT_FALSE(StatusFromJson(text).has_value()) << text;
     }
 }
 
-TEST(StatusTable, TextAndJsonShowSinceLastPing) {
-    const std::string text = FormatStatusText(Sample(), 1002345);
-    EXPECT_NE(text.find("hl-appmgr (pid 4242): 2 application(s)"), std::string::npos) << text;
-    EXPECT_NE(text.find("AccessArbiter"), std::string::npos);
-    EXPECT_NE(text.find("2.345s"), std::string::npos) << text;
-    const std::string json = FormatStatusJson(Sample(), 1002345);
-    EXPECT_EQ(
-        json,
-        "{\"manager_pid\": 4242, \"applications\": [\n"
-        " {\"name\": \"AccessArbiter\", \"state\": \"running\", \"pid\": 4300, \"ms_since_last_ping\": 2345, "
-        "\"restarts\": 2},\n"
-        " {\"name\": \"we\\u0009ird\\u000aname\", \"state\": \"exited\", \"pid\": 0, \"ms_since_last_ping\": "
-        "null, \"restarts\": 0}]}\n");
+TEST(StatusTable, InvalidUtf8OutputIsReplacedNotThrown) {
+    StatusTable table = Sample();
+    table.apps[0].output = {"\xff\xfe bytes"};
+    const auto parsed = StatusFromJson(StatusToJson(table));
+    ASSERT_TRUE(parsed.has_value());
+    EXPECT_NE(parsed->apps[0].output.at(0).find(" bytes"), std::string::npos);
 }
 
-TEST(CommandBox, CommandTextIsCheckedWhole) {
-    const auto good = ParseCommand(SerializeCommand({"app", "volume", -7}));
-    ASSERT_TRUE(good.has_value());
-    EXPECT_EQ(good->value, -7);
-    for (const std::string& text :
-         {std::string("app\nname\n"), std::string("app\nname\n12x\n"), std::string("\nname\n1\n"),
-          std::string("app\nname\n1\nextra"), "app\n" + std::string(129, 'n') + "\n1\n"}) {
-        EXPECT_FALSE(ParseCommand(text).has_value()) << text;
+TEST(StatusTable, TextFormsShowWhatStatusPromises) {
+    const std::string list = FormatStatusText(Sample(), false);
+    EXPECT_NE(list.find("hl-appmgr (pid 4242): 2 application(s)"), std::string::npos) << list;
+    EXPECT_NE(list.find("2.345s"), std::string::npos) << list;
+    const std::string detail = FormatStatusText(Sample(), true);
+    for (const char* part : {"State: running", "PID: 4300", "Uptime: 61.500s", "Last exit: killed by signal 6",
+                             "Restarts: 2", "Last Ping: 2.345s ago", "first\nlast\n"}) {
+        EXPECT_NE(detail.find(part), std::string::npos) << part << "\n" << detail;
     }
 }
 

@@ -9,7 +9,8 @@
 // every PING_MS (default 1000). On the update event it reads GetCommand("volume") and prints
 // "command volume=N" on stdout. On SIGTERM: StateChanged(-2), exit 0. MODE: run (until SIGTERM),
 // crash (a warning, then abort after 2 Pings), exit0 (StateChanged(-2) and exit 0 after 2 Pings),
-// failstart (FinishWithInternalError instead of ReadyToShowUI, exit 1).
+// failstart (FinishWithInternalError instead of ReadyToShowUI, exit 1), noready (no ReadyToShowUI:
+// waits for SIGTERM), spawn (as run, with a child "sleep 600" whose pid it prints as "child PID").
 // Exit status: 0, 1 on a failed start, 2 without a manager, 3 usage.
 #include <diagnostics/log.h>
 #include <ipc_runtime/application.h>
@@ -20,6 +21,8 @@
 #include <ipc_runtime/resource_provider.h>
 #include <platform/ipc_utils/find_connection_target_for_type.h>
 #include <platform/platform.h>
+
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -90,8 +93,23 @@ int main(int argc, char** argv) {
     if (update != NK_INVALID_HANDLE) {
         KnNoticeSubscribeToObject(notice, update, 1U << 16, 1);
     }
+    if (mode == "spawn") {
+        const pid_t child = fork();
+        if (child == 0) {
+            execlp("sleep", "sleep", "600", static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        std::printf("child %d\n", static_cast<int>(child));
+        std::fflush(stdout);
+    }
     int rc = 0;
     controller->ReadyToInitialize(name, rc);
+    if (mode == "noready") {
+        while (g_stop == 0) {
+            pause();
+        }
+        return 0;
+    }
     if (mode == "failstart") {
         controller->FinishWithInternalError(name, Bytes("Failed to start test"), Bytes("asked to fail"), rc);
         return 1;
@@ -114,6 +132,10 @@ int main(int argc, char** argv) {
             continue;
         }
         watchdog->Ping(name, rc);
+        if (rc != 0) {
+            std::printf("Ping refused rc=0x%08x\n", static_cast<unsigned>(rc));
+            std::fflush(stdout);
+        }
         ++pings;
         if (pings == 2 && mode == "crash") {
             HL_LOG(hos::logger::LogLevel::Warning, "{}: aborting as asked", argv[0]);

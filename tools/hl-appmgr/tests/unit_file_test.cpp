@@ -12,7 +12,7 @@ TEST(UnitFile, FullUnitKeepsOrderAndValues) {
         "name=AccessArbiter\nprogram=/opt/aa/access_arbiter\nargument=--one\nargument=two words\n"
         "environment=QT_QUICK_BACKEND=software\nenvironment=A==b\n\n"
         "watchdog_interval_ms=1500\nrestart=always\nstart_limit=3\nstart_limit_interval_ms=9000\n"
-        "stop_timeout_ms=2500\n");
+        "start_timeout_ms=330000\nstop_timeout_ms=2500\n");
     ASSERT_TRUE(parsed.ok) << parsed.error;
     EXPECT_EQ(parsed.unit.name, "AccessArbiter");
     EXPECT_EQ(parsed.unit.program, "/opt/aa/access_arbiter");
@@ -26,6 +26,7 @@ TEST(UnitFile, FullUnitKeepsOrderAndValues) {
     EXPECT_EQ(parsed.unit.restart, RestartPolicy::Always);
     EXPECT_EQ(parsed.unit.startLimit, 3);
     EXPECT_EQ(parsed.unit.startLimitIntervalMs, 9000);
+    EXPECT_EQ(parsed.unit.startTimeoutMs, 330000);
     EXPECT_EQ(parsed.unit.stopTimeoutMs, 2500);
 }
 
@@ -36,6 +37,7 @@ TEST(UnitFile, DefaultsAndNameFromProgram) {
     EXPECT_EQ(parsed.unit.watchdogIntervalMs, 5000);
     EXPECT_EQ(parsed.unit.restart, RestartPolicy::OnFailure);
     EXPECT_EQ(parsed.unit.startLimit, 5);
+    EXPECT_EQ(parsed.unit.startTimeoutMs, 0);
     EXPECT_EQ(parsed.unit.stopTimeoutMs, 5000);
     EXPECT_TRUE(parsed.unit.arguments.empty());
 }
@@ -54,7 +56,9 @@ TEST(UnitFile, FaultsNameTheirLine) {
         {"program=a\nstop_timeout_ms=0\n", "line 2: stop_timeout_ms must be a positive number"},
         {"program=a\nenvironment=novalue\n", "line 2: environment needs KEY=VALUE"},
         {"program=a\nenvironment==x\n", "line 2: environment needs KEY=VALUE"},
+        {"program=a\nstart_timeout_ms=-5\n", "line 2: start_timeout_ms must be a number, 0 for no limit"},
         {"name=x\n", "line 0: program is missing"},
+        {"program=/usr/bin/\n", "line 0: no name: give name= or a program whose path ends in a file name"},
         {"", "line 0: program is missing"},
         {" program=a\n", "line 1: unknown key ' program'"},
     };

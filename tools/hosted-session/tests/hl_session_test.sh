@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # hl-session as a person runs it: a resident session on a private Xvfb that another shell reaches
-# through the printed HL_RUNTIME_DIR and that Ctrl-C ends in order, leaving nothing behind; and its
+# through the printed HL_RUNTIME_DIR (hl-appmgr's verbs stop, start and restart the program there)
+# and that Ctrl-C ends in order, leaving nothing behind; and its
 # documented exit statuses for a usage error, a session that can't start and a command that can't run.
 #   hl_session_test.sh BIN_DIR
 set -uo pipefail
@@ -28,6 +29,19 @@ runtime=${line##*HL_RUNTIME_DIR=}
 [ -d "$runtime" ] || fail "the printed runtime directory '$runtime' is not there"
 HL_RUNTIME_DIR="$runtime" "$BIN/hl-appmgr" status > "$WORK/status" || fail "hl-appmgr status failed"
 grep -q "AccessArbiter" "$WORK/status" || fail "the status names no AccessArbiter: $(cat "$WORK/status")"
+# The manager's verbs on the live program: stop, is-active, start, restart, status with its output.
+appmgr() { HL_RUNTIME_DIR="$runtime" "$BIN/hl-appmgr" "$@"; }
+pid=$(appmgr status --json AccessArbiter | python3 -c 'import json,sys; print(json.load(sys.stdin)["applications"][0]["pid"])')
+appmgr stop AccessArbiter || fail "stop exited $?"
+kill -0 "$pid" 2>/dev/null && fail "the program $pid outlived its stop"
+[ "$(appmgr is-active AccessArbiter)" = stopped ] || fail "is-active after stop"
+appmgr status AccessArbiter > /dev/null; [ $? -eq 3 ] || fail "status of a stopped program does not exit 3"
+appmgr start AccessArbiter || fail "start exited $?"
+appmgr restart AccessArbiter || fail "restart exited $?"
+appmgr reset-failed AccessArbiter || fail "reset-failed exited $?"
+appmgr status AccessArbiter > "$WORK/status" || fail "status of the restarted program exited $?"
+grep -qE '^ +Restarts: 1$' "$WORK/status" || fail "the restart is not counted: $(cat "$WORK/status")"
+grep -q "AccessArbiter is ready" "$WORK/status" || fail "status shows no output lines: $(cat "$WORK/status")"
 kill -INT "$SESSION"
 wait "$SESSION"; rc=$?
 SESSION=""

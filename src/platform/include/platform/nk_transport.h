@@ -63,6 +63,12 @@ int NkHosSetTransportTimeouts(NkHosTransport* transport, unsigned int receiveMs,
  * asks keeps nothing. */
 int NkHosTakeClosedClients(NkHosTransport* transport, unsigned long long* ids, unsigned int room);
 
+/* The process id of the client whose request the last `receive` on this server transport took, as
+ * the kernel gave it when that client connected. Returns 0 with `*pid` set; NK_EINVAL when no
+ * request is pending (none received, or already answered); NK_ECLOSED when that client has gone;
+ * NK_EBADHANDLE when the transport is not a server channel's. */
+int NkHosTransportPeerPid(const NkHosTransport* transport, int* pid);
+
 #ifdef __cplusplus
 }
 

@@ -23,7 +23,7 @@
 // under the same key replaces it.
 //
 // Thread: one thread constructs it and runs ServeOne; the implementations are called on that
-// thread. The destructor closes the channel.
+// thread. Interrupt may come from any thread. The destructor closes the channel.
 
 #include <ipc_runtime/server/component_tree.h>
 #include <ipc_runtime/server/deferred_replies.h>
@@ -31,6 +31,7 @@
 #include <platform/nk_message.h>
 #include <platform/nk_transport.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <map>
@@ -72,6 +73,14 @@ public:
     // answers the woken kept requests.
     Report ServeOne(unsigned int timeoutMs);
 
+    // The process id of the client whose request an implementation is serving now, as the kernel
+    // gave it when that client connected; -1 outside a request or when it can't be told.
+    int PeerPid() const { return m_peerPid; }
+
+    // From any thread: closes the server channel, so that a ServeOne waiting without a time limit
+    // returns now and every later one at once. Nothing is served after it.
+    void Interrupt();
+
 private:
     struct Kept {
         NkHosTransport transport;  // a copy taken after the receive: it answers that client
@@ -89,7 +98,8 @@ private:
     const ServerOptions m_options;
     unsigned int m_handleRoom;
     std::shared_ptr<DeferredReplies> m_deferred;
-    unsigned int m_channel;
+    std::atomic<unsigned int> m_channel;
+    int m_peerPid = -1;
     NkHosTransport m_transport{};
     std::vector<unsigned char> m_request;
     std::vector<unsigned char> m_requestArena;
