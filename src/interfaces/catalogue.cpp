@@ -3,6 +3,7 @@
 #include <interfaces/hl/access_arbiter/access_arbiter.h>
 #include <interfaces/hl/app_manager/application_commands.h>
 #include <interfaces/hl/app_manager/application_controller.h>
+#include <interfaces/hl/app_manager/application_manager_control.h>
 #include <interfaces/hl/app_manager/application_watchdog.h>
 #include <interfaces/hl/settings_manager/nk_ism.h>
 #include <interfaces/hl/settings_manager/nk_ism_cbk.h>
@@ -22,6 +23,7 @@ const std::vector<InterfaceInfo>& Catalogue() {
         DescribeInterface<idl::access_arbiter::AccessArbiter>("hl.access_arbiter.AccessArbiter"),
         DescribeInterface<idl::app_manager::ApplicationCommands>("hl.app_manager.ApplicationCommands"),
         DescribeInterface<idl::app_manager::ApplicationController>("hl.app_manager.ApplicationController"),
+        DescribeInterface<idl::app_manager::ApplicationManagerControl>("hl.app_manager.ApplicationManagerControl"),
         DescribeInterface<idl::app_manager::ApplicationWatchdog>("hl.app_manager.ApplicationWatchdog"),
         DescribeInterface<idl::settings_manager::NkISM>("hl.settings_manager.NkISM"),
         DescribeInterface<idl::settings_manager::NkISMCbk>("hl.settings_manager.NkISMCbk"),

@@ -46,16 +46,19 @@ struct InterfaceDescription<hosipc::idl::stdcpp_v1::hl::app_manager::Application
     using Interface = hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationManagerControl;
     static constexpr std::string_view kFailurePrefix = "hl_app_manager_ApplicationManagerControl_";
 
-    using ByName = Request<32, 128, SequenceArg<24>>;
-    using Rc = Response<32, ValueArg<std::int32_t, 24>>;
+    using ByName = Request<32, 128, Named<"appName", SequenceArg<24>>>;
+    using Rc = Response<32, Named<"rc", ValueArg<std::int32_t, 24>>>;
     using Start = Method<"Start", 0, &Interface::Start, ByName, Rc>;
     using Stop = Method<"Stop", 1, &Interface::Stop, ByName, Rc>;
     using Restart = Method<"Restart", 2, &Interface::Restart, ByName, Rc>;
     using ResetFailed = Method<"ResetFailed", 3, &Interface::ResetFailed, ByName, Rc>;
     using SetCommand = Method<"SetCommand", 4, &Interface::SetCommand,
-                              Request<48, 256, SequenceArg<24>, SequenceArg<32>, ValueArg<std::int64_t, 40>>, Rc>;
+                              Request<48, 256, Named<"appName", SequenceArg<24>>, Named<"name", SequenceArg<32>>,
+                                      Named<"value", ValueArg<std::int64_t, 40>>>,
+                              Rc>;
     using Status = Method<"Status", 5, &Interface::Status, ByName,
-                          Response<40, ValueArg<std::int32_t, 24>, SequenceArg<32, Interface::kStatusBytes>>>;
+                          Response<40, Named<"rc", ValueArg<std::int32_t, 24>>,
+                                   Named<"json", SequenceArg<32, Interface::kStatusBytes>>>>;
     using Methods = MethodList<Start, Stop, Restart, ResetFailed, SetCommand, Status>;
 };
 
