@@ -119,9 +119,14 @@ Supervisor::App* Supervisor::Caller(const std::string& name, long pid, const cha
 }
 
 void Supervisor::Kill(App& app, int signal) {
-    // The group first, so that no child of the application escapes; the leader too in case it left it.
+    // The group, so that no child of the application escapes, and the leader on its own only when it
+    // has left its group: a second SIGTERM could reach an application that took the first as its
+    // request to stop and has given the signal back its default action, and kill it mid-teardown.
+    const bool leaderInGroup = ::getpgid(app.pid) == app.pid;
     ::kill(-app.pid, signal);
-    ::kill(app.pid, signal);
+    if (!leaderInGroup) {
+        ::kill(app.pid, signal);
+    }
     if (signal != SIGKILL) {
         // A stopped process takes no signal but SIGKILL until it is continued.
         ::kill(-app.pid, SIGCONT);
