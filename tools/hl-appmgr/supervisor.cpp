@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,6 +23,17 @@
 namespace hl_appmgr {
 
 namespace {
+
+// The descriptor limit the manager was started with, read before main: its server raises its own
+// soft limit to the hard one, and an application gets the limit it would have had without the
+// manager (a program that still uses select() must not see descriptors above 1023).
+const rlimit kInheritedDescriptorLimit = [] {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        limit.rlim_cur = limit.rlim_max = RLIM_INFINITY;
+    }
+    return limit;
+}();
 
 using hos::logger::LogLevel;
 using Control = hosipc::idl::stdcpp_v1::hl::app_manager::ApplicationManagerControl;
@@ -178,6 +190,7 @@ void Supervisor::Spawn(App& app) {
     const pid_t pid = ::fork();
     if (pid == 0) {
         ::setpgid(0, 0);
+        ::setrlimit(RLIMIT_NOFILE, &kInheritedDescriptorLimit);
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);

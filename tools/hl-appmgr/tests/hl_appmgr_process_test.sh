@@ -63,6 +63,8 @@ TABLE
 said=$("$APPMGR" run --restart sometimes -- true 2>&1)
 [[ $said == *"--restart: sometimes"* ]] || fail "--restart's error: $said"
 
+# Started with a soft descriptor limit below the hard one, which the manager raises for itself only.
+ulimit -Sn 512
 "$APPMGR" run --log-level 1 --unit "$WORK/steady.unit" --unit "$WORK/frozen.unit" --unit "$WORK/crasher.unit" \
   --unit "$WORK/quitter.unit" --unit "$WORK/broken.unit" --unit "$WORK/lazy.unit" --unit "$WORK/parent.unit" \
   > "$WORK/out" 2> "$WORK/log" &
@@ -73,6 +75,9 @@ wait_for 'steady\[[0-9]+\]: Ping' 30
 pid=$(grep -oE 'steady\[[0-9]+\]: started' "$WORK/log" | head -1 | grep -oE '[0-9]+')
 seq=$(grep -oE "steady\[$pid\]: (GetUpdateHandle|ReadyToInitialize|ReadyToShowUI|Ping)" "$WORK/log" | head -4 | sed 's/.*: //' | tr '\n' ' ')
 [ "$seq" = "GetUpdateHandle ReadyToInitialize ReadyToShowUI Ping " ] || fail "steady's sequence: $seq"
+soft() { awk '/^Max open files/ {print $4}' "/proc/$1/limits"; }
+[ "$(soft "$pid")" = 512 ] || fail "the application's descriptor limit is $(soft "$pid"), not the 512 it was started with"
+[ "$(soft "$MANAGER")" != 512 ] || [ "$(ulimit -Hn)" = 512 ] || fail "the manager kept its soft descriptor limit"
 
 # A command reaches the application through the update event and GetCommand.
 "$APPMGR" command steady volume 42 || fail "command exited $?"
