@@ -1,5 +1,7 @@
 #include "status_table.h"
 
+#include <hl_cli/tool.h>
+
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -19,6 +21,16 @@ std::int64_t OrMinusOne(const json& value) {
 
 std::string Seconds(std::int64_t ms) {
     return ms < 0 ? std::string("-") : fmt::format("{}.{:03}s", ms / 1000, ms % 1000);
+}
+
+// The state, padded to `width`, in green when active, red when failed or hung, yellow while on its
+// way; plain without colour.
+std::string State(std::string_view state, std::size_t width, bool color) {
+    const std::string padded = fmt::format("{:<{}}", state, width);
+    const hl::cli::Color tint = IsActive(state)                           ? hl::cli::Color::Green
+                                : state == "failed" || state == "hung"    ? hl::cli::Color::Red
+                                                                          : hl::cli::Color::Yellow;
+    return hl::cli::Paint(padded, tint, color);
 }
 
 }  // namespace
@@ -68,20 +80,20 @@ std::optional<StatusTable> StatusFromJson(std::string_view text) {
     }
 }
 
-std::string FormatStatusText(const StatusTable& table, bool detail) {
+std::string FormatStatusText(const StatusTable& table, bool detail, bool color) {
     std::string out;
     if (!detail) {
         out = fmt::format("hl-appmgr (pid {}): {} application(s)\n", table.managerPid, table.apps.size());
         out += fmt::format("{:<20} {:<16} {:>8} {:>12} {:>8}\n", "NAME", "STATE", "PID", "SINCE PING", "RESTARTS");
         for (const AppStatus& app : table.apps) {
-            out += fmt::format("{:<20} {:<16} {:>8} {:>12} {:>8}\n", app.name, app.state, app.pid,
+            out += fmt::format("{:<20} {} {:>8} {:>12} {:>8}\n", app.name, State(app.state, 16, color), app.pid,
                                Seconds(app.msSinceLastPing), app.restarts);
         }
         return out;
     }
     for (const AppStatus& app : table.apps) {
         out += fmt::format("{} - managed by hl-appmgr (pid {})\n", app.name, table.managerPid);
-        out += fmt::format("     State: {}\n", app.state);
+        out += fmt::format("     State: {}\n", State(app.state, 0, color));
         if (app.pid > 0) {
             out += fmt::format("       PID: {}\n    Uptime: {}\n", app.pid, Seconds(app.uptimeMs));
         }

@@ -41,7 +41,8 @@ std::string StatusToJson(const StatusTable& table);
 std::optional<StatusTable> StatusFromJson(std::string_view text);
 
 // Human-readable: one line per application; with `detail`, systemctl status's form (state, pid,
-// uptime, last exit, restarts, last Ping, then the output lines).
-std::string FormatStatusText(const StatusTable& table, bool detail);
+// uptime, last exit, restarts, last Ping, then the output lines). With `color`, the state is green
+// when active, red when failed or hung, yellow otherwise.
+std::string FormatStatusText(const StatusTable& table, bool detail, bool color = false);
 
 }  // namespace hl_appmgr

@@ -55,6 +55,10 @@ TEST(StatusTable, TextFormsShowWhatStatusPromises) {
                              "Restarts: 2", "Last Ping: 2.345s ago", "first\nlast\n"}) {
         EXPECT_NE(detail.find(part), std::string::npos) << part << "\n" << detail;
     }
+    // On a terminal the state is coloured, and the columns stay where they were.
+    const std::string coloured = FormatStatusText(Sample(), false, true);
+    EXPECT_NE(coloured.find("\033[32mrunning         \033[0m"), std::string::npos) << coloured;
+    EXPECT_EQ(FormatStatusText(Sample(), true, true).find("State: running\n"), std::string::npos);
 }
 
 }  // namespace
