@@ -5,7 +5,6 @@ if(TARGET hl_platform_tests)
     DEPS hl_platform hl_test_support)
   target_include_directories(hl_platform_test_peer PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests")
   target_compile_definitions(hl_platform_tests PRIVATE
-    HL_PLATFORM_TEST_PEER="$<TARGET_FILE:hl_platform_test_peer>" HL_APPMGR="$<TARGET_FILE:hl-appmgr>")
-  # The server limits are tried on the real manager as its clients meet it.
-  add_dependencies(hl_platform_tests hl_platform_test_peer hl-appmgr)
+    HL_PLATFORM_TEST_PEER="$<TARGET_FILE:hl_platform_test_peer>")
+  add_dependencies(hl_platform_tests hl_platform_test_peer)
 endif()
