@@ -45,7 +45,8 @@ std::optional<int> ParseOptions(hl::cli::Tool& tool, int argc, const char* const
         ->option_text("LEVEL")
         ->check(CLI::Range(0, 6));
     app.add_option("--fault-for-testing", options.faultForTesting)
-        ->check(CLI::IsMember({"writenext-refused", "writenext-exit"}))
+        ->check(CLI::IsMember(
+            {"writenext-refused", "writenext-exit", "read-count-zero", "read-count-short", "readnext-bad-list"}))
         ->group("");
     app.add_option("SERVICE", service, "the settings service to serve")->required();
     if (const auto status = tool.Parse(argc, argv)) {

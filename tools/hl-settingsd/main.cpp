@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -95,9 +96,13 @@ int main(int argc, char** argv) {
         return kExitStore;
     }
     if (!options.faultForTesting.empty()) {
-        service->SetFaultForTesting(options.faultForTesting == "writenext-exit"
-                                        ? hl_settingsd::SettingsService::FaultForTesting::kWriteNextExit
-                                        : hl_settingsd::SettingsService::FaultForTesting::kWriteNextRefused);
+        using Fault = hl_settingsd::SettingsService::FaultForTesting;
+        const std::map<std::string, Fault> faults{{"writenext-refused", Fault::kWriteNextRefused},
+                                                  {"writenext-exit", Fault::kWriteNextExit},
+                                                  {"read-count-zero", Fault::kReadCountZero},
+                                                  {"read-count-short", Fault::kReadCountShort},
+                                                  {"readnext-bad-list", Fault::kReadNextBadList}};
+        service->SetFaultForTesting(faults.at(options.faultForTesting));
     }
     std::unique_ptr<hosipc::server::ServingHost> host;
     try {

@@ -106,6 +106,16 @@ void SettingsService::Read(const Bytes& pathBytes, std::uint8_t readMask, std::u
     // Paged from the live tree: nothing of the subtree is copied unless a change comes before its end.
     ExchangeTable::Read read{std::make_unique<ReadCursor>(path, *node, readMask), {}, 0};
     ncount = read.cursor->Count();
+    if (m_fault == FaultForTesting::kReadCountZero) {
+        ncount = 0;
+        const ExchangeTable::RawItems none;
+        auto first = none.cbegin();
+        nodes = arena::impl::Write(responseArena, first, none.cend());
+        return;
+    }
+    if (m_fault == FaultForTesting::kReadCountShort) {
+        --ncount;
+    }
     try {
         nodes = NextChunk(read, responseArena, rc);
     } catch (const std::exception& e) {
@@ -137,6 +147,12 @@ void SettingsService::ReadNext(std::uint64_t id, nk_ptr_t& nodes, std::uint8_t& 
         return;
     }
     ExchangeTable::Read& read = *exchange->read;
+    if (m_fault == FaultForTesting::kReadNextBadList) {
+        nodes = nk_ptr_t{0xFFFF0000U, 64};
+        last = 0;
+        rc = kOk;
+        return;
+    }
     try {
         nodes = NextChunk(read, responseArena, rc);
     } catch (const std::exception& e) {

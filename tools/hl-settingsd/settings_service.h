@@ -36,7 +36,17 @@ public:
 
     // Loads the tree from the store (which may throw std::runtime_error).
     // For the client's tests only: every WriteNext is refused with 0x80000046, or ends the process.
-    enum class FaultForTesting { kNone, kWriteNextRefused, kWriteNextExit };
+    // A service that answers wrongly, for the client's tests: WriteNext refused or ending the process;
+    // a Read that announces no nodes, or one node fewer than it sends; a ReadNext whose node list
+    // lies outside its arena.
+    enum class FaultForTesting {
+        kNone,
+        kWriteNextRefused,
+        kWriteNextExit,
+        kReadCountZero,
+        kReadCountShort,
+        kReadNextBadList
+    };
     void SetFaultForTesting(FaultForTesting fault) { m_fault = fault; }
 
     SettingsService(std::unique_ptr<ITreeStore> store,

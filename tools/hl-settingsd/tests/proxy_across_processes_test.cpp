@@ -31,6 +31,7 @@ constexpr const char* kService = "hl.settings_manager.MSmgr";
 constexpr std::int32_t kCallFailed = static_cast<std::int32_t>(0x80000059u);
 constexpr std::int32_t kArenaFailed = static_cast<std::int32_t>(0x80000062u);
 constexpr std::int32_t kServiceRefused = static_cast<std::int32_t>(0x80000046u);
+constexpr std::int32_t kWrongData = static_cast<std::int32_t>(0x80000074u);
 
 // A map of nodes - 1 string children: nodes in all with its root.
 Setting Tree(std::size_t nodes, std::size_t valueBytes = 4) {
@@ -170,6 +171,38 @@ TEST_F(ProxyAcrossProcesses, AServiceThatDiesMidExchangeGivesAnErrorNotAHang) {
     Setting read;
     EXPECT_EQ(m_getter->GetSetting(At("t9"), read), kCallFailed);
     EXPECT_TRUE(log.Contains(": Read call error: nk = "));
+}
+
+// A service whose read answers don't add up: the read fails with its code and text, leaves the
+// caller's setting as it was, and cancels only an exchange that is still open.
+TEST_F(ProxyAcrossProcesses, ReadAnswersThatDoNotAddUpFailWithTheirCodeAndCancelOnlyAnOpenExchange) {
+    const struct {
+        const char* fault;
+        std::size_t nodes;
+        std::int32_t result;
+        const char* text;
+        std::vector<std::string> requests;
+    } cases[] = {
+        {"read-count-zero", 3, static_cast<std::int32_t>(0x80000101u), " -> Deserialize = ", {"Read"}},
+        {"read-count-short", 3, kWrongData, " -> wrong RawSetting size: fact/plan = 3/2 ", {"Read"}},
+        {"readnext-bad-list", 12, kArenaFailed, ": ReadNext response arena fail", {"Read", "ReadNext", "Cancel"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        m_setter.reset();
+        m_getter.reset();
+        m_manager.reset();
+        m_server.reset();  // its log goes on in the next one's, and the transcripts with it
+        ASSERT_NO_FATAL_FAILURE(Start(c.fault));
+        hos::logger::LogCaptureForTesting log;
+        ASSERT_EQ(m_setter->SetSetting(At("t"), Tree(c.nodes)), 0);
+        Transcript();
+        Setting read(std::string("kept"));
+        EXPECT_EQ(m_getter->GetSetting(At("t"), read), c.result);
+        EXPECT_TRUE(read == Setting(std::string("kept")));
+        EXPECT_TRUE(log.Contains(c.text));
+        EXPECT_EQ(Transcript(), c.requests);
+    }
 }
 
 // Interfaces are handed out as shared_ptrs of the proxy itself: one that no shared_ptr owns has
