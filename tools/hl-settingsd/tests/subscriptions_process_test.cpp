@@ -134,29 +134,43 @@ TEST_F(Subscriptions, TwoSubscriberProcessesSeeAChangeAndAKilledOneIsDroppedWith
 
     // Both have confirmed their update; then the first one's process ends, and its callback goes
     // with its connection, at once.
-    const auto count = [this](const std::string& text) {
-        const std::string log = m_daemon->Log();
-        std::size_t n = 0;
-        for (auto at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) {
-            ++n;
-        }
-        return n;
-    };
-    for (int i = 0; i < 100 && count("Done $") < 2; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    ASSERT_EQ(count("Done $"), 2u) << m_daemon->Log();
+    ASSERT_TRUE(m_daemon->EventuallyCounts("Done $", 2)) << m_daemon->Log();
     first->Kill();
-    for (int i = 0; i < 40 && count("has gone (its connection closed): dropped with its 1 subscriptions") == 0; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    EXPECT_EQ(count("has gone (its connection closed): dropped with its 1 subscriptions"), 1u) << m_daemon->Log();
+    EXPECT_TRUE(m_daemon->EventuallyCounts("has gone (its connection closed): dropped with its 1 subscriptions", 1))
+        << m_daemon->Log();
     EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("fr-FR")), 0);
     EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
 
     // The service goes on for the living one.
     EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("it-IT")), 0);
     EXPECT_TRUE(second->WaitForLine("locale/language/ 1", std::chrono::seconds(10)));
+}
+
+// Two proxies of one service in one process share one callback: it is registered once, serves the
+// subscriptions of both, and is unregistered only when the last proxy goes.
+TEST_F(Subscriptions, TwoProxiesOfOneServiceShareOneCallbackThatTheLastOneUnregisters) {
+    std::shared_ptr<settings_manager::ISettingsManager> second;
+    ASSERT_EQ(vdi::common_utils::settings::CreateSettingsManagerNonPersistent(second), 0);
+    std::shared_ptr<settings_manager::ISettingsUpdateSubscriber> secondSubscriber;
+    ASSERT_EQ(second->GetSettingsUpdateSubscriber(secondSubscriber), 0);
+    auto observer = std::make_shared<RecordingObserver>();
+    settings_manager::SubscriptionId sid;
+    ASSERT_EQ(secondSubscriber->Subscribe(P("locale/"), observer, sid), 0);
+    EXPECT_EQ(m_valueSetter->SetValue(P("locale/language/"), std::string("de-DE")), 0);
+    EXPECT_EQ(observer->WaitFor(1).size(), 1U);
+    EXPECT_EQ(m_daemon->CountInLog(" registered on connection"), 1U) << m_daemon->Log();
+    EXPECT_EQ(secondSubscriber->Unsubscribe(sid), 0);
+
+    m_subscriber.reset();
+    m_setter.reset();
+    m_valueSetter.reset();
+    m_deleter.reset();
+    m_manager.reset();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(m_daemon->CountInLog(" unregistered with "), 0U) << "the first proxy to go took the callback";
+    secondSubscriber.reset();
+    second.reset();
+    EXPECT_TRUE(m_daemon->EventuallyCounts(" unregistered with ", 1)) << m_daemon->Log();
 }
 
 // A subscriber stopped for longer than any Wait of its takes (SIGSTOP: a debugger, a frozen cgroup)

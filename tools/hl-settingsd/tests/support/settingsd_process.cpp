@@ -1,5 +1,7 @@
 #include "support/settingsd_process.h"
 
+#include "support/wait_until.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -57,6 +59,19 @@ std::string SettingsdProcess::Log() const {
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+std::size_t SettingsdProcess::CountInLog(const std::string& text) const {
+    const std::string log = Log();
+    std::size_t count = 0;
+    for (auto at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+bool SettingsdProcess::EventuallyCounts(const std::string& text, std::size_t count) const {
+    return hos::platform::testing::WaitUntil([&] { return CountInLog(text) == count; }, std::chrono::seconds(5));
 }
 
 }  // namespace hl_settingsd::testing

@@ -19,6 +19,9 @@ public:
     // The log so far.
     std::string Log() const;
     bool LogContains(const std::string& text) const { return Log().find(text) != std::string::npos; }
+    // How often the log so far holds text; EventuallyCounts waits up to 5 s for that count.
+    std::size_t CountInLog(const std::string& text) const;
+    bool EventuallyCounts(const std::string& text, std::size_t count) const;
     // The requests logged so far at debug level ("Write 8", "WriteNext 1 last=1", "Read", ...).
     std::vector<std::string> Requests() const;
 
