@@ -3,9 +3,7 @@
 #include <charconv>
 
 namespace hl::cli {
-namespace {
-
-int DigitValue(char c) {
+int HexDigitValue(char c) {
     if (c >= '0' && c <= '9') {
         return c - '0';
     }
@@ -17,6 +15,8 @@ int DigitValue(char c) {
     }
     return -1;
 }
+
+namespace {
 
 bool IsSeparator(char c) {
     return c == ' ' || c == ':' || c == '\n' || c == '\t' || c == '\r';
@@ -37,7 +37,7 @@ std::optional<std::vector<unsigned char>> ParseHex(std::string_view text) {
             }
             continue;
         }
-        const int value = DigitValue(c);
+        const int value = HexDigitValue(c);
         if (value < 0) {
             return std::nullopt;
         }

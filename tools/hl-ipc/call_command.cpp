@@ -118,6 +118,18 @@ int UsageError(const std::string& message) {
     return hl::cli::kExitUsage;
 }
 
+// Connects to the server's service; false, with the reason on standard error, when it can't.
+bool Connect(const CallOptions& options, unsigned int& handle, unsigned int& riid) {
+    const int connected =
+        KnCmConnect(options.server.c_str(), options.service.c_str(), Limit(options), &handle, &riid);
+    if (connected != NK_EOK) {
+        std::fprintf(stderr, "hl-ipc: connect to '%s' '%s': 0x%08x (%s)\n", options.server.c_str(),
+                     options.service.c_str(), static_cast<unsigned int>(connected), NkResultText(connected));
+        return false;
+    }
+    return true;
+}
+
 int RunRawCall(const CallOptions& options) {
     std::string error;
     const auto raw = ReadRawRequest(options, error);
@@ -126,11 +138,7 @@ int RunRawCall(const CallOptions& options) {
     }
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
-    const int connected =
-        KnCmConnect(options.server.c_str(), options.service.c_str(), Limit(options), &handle, &riid);
-    if (connected != NK_EOK) {
-        std::fprintf(stderr, "hl-ipc: connect to '%s' '%s': 0x%08x (%s)\n", options.server.c_str(),
-                     options.service.c_str(), static_cast<unsigned int>(connected), NkResultText(connected));
+    if (!Connect(options, handle, riid)) {
         return kExitConnect;
     }
     const size_t size = NK_MESSAGE_HEADER_SIZE + raw->fields.size();
@@ -219,11 +227,7 @@ int RunTypedCall(const CallOptions& options) {
 
     unsigned int handle = NK_INVALID_HANDLE;
     unsigned int riid = NK_INVALID_RIID;
-    const int connected =
-        KnCmConnect(options.server.c_str(), options.service.c_str(), Limit(options), &handle, &riid);
-    if (connected != NK_EOK) {
-        std::fprintf(stderr, "hl-ipc: connect to '%s' '%s': 0x%08x (%s)\n", options.server.c_str(),
-                     options.service.c_str(), static_cast<unsigned int>(connected), NkResultText(connected));
+    if (!Connect(options, handle, riid)) {
         return kExitConnect;
     }
     request.Message()->iid = static_cast<std::uint16_t>(riid);

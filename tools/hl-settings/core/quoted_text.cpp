@@ -1,5 +1,7 @@
 #include "core/quoted_text.h"
 
+#include <hl_cli/hex.h>
+
 #include <fmt/format.h>
 
 namespace hl_settings {
@@ -43,19 +45,6 @@ std::size_t Utf8Length(std::string_view text, std::size_t i) {
     return length;
 }
 
-int HexValue(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    if (c >= 'a' && c <= 'f') {
-        return c - 'a' + 10;
-    }
-    if (c >= 'A' && c <= 'F') {
-        return c - 'A' + 10;
-    }
-    return -1;
-}
-
 // The number of `digits` hex digits at text[pos], or nothing.
 std::optional<unsigned> ReadHex(std::string_view text, std::size_t pos, std::size_t digits) {
     if (pos + digits > text.size()) {
@@ -63,7 +52,7 @@ std::optional<unsigned> ReadHex(std::string_view text, std::size_t pos, std::siz
     }
     unsigned value = 0;
     for (std::size_t k = 0; k < digits; ++k) {
-        const int digit = HexValue(text[pos + k]);
+        const int digit = hl::cli::HexDigitValue(text[pos + k]);
         if (digit < 0) {
             return std::nullopt;
         }

@@ -10,6 +10,9 @@
 
 namespace hl::cli {
 
+// The value of one hex digit in either case, or -1.
+int HexDigitValue(char c);
+
 // Pairs of hex digits in either case, with an optional leading "0x". Space, tab, line breaks and ':'
 // may stand between bytes (so FormatHex's output reads back), never inside one. "" gives no bytes.
 // Nothing on an odd number of digits, a separator inside a byte, or another character.
