@@ -12,6 +12,9 @@
 // can measure another build of it. After Google Benchmark's report the program prints one table.
 #include "support/raw_ism.h"
 #include "support/scoped_runtime_directory.h"
+#include "support/wait_until.h"
+
+#include <hosted_session/child_process.h>
 
 #include <platform/kn_channel.h>
 #include <platform/nk_message.h>
@@ -65,27 +68,21 @@ long StatusKb(pid_t pid, const std::string& key) {
 // The service process with its 20 MB tree, started once for the run in a runtime directory of its own.
 class Service {
 public:
-    Service() {
-        m_pid = ::fork();
-        if (m_pid == 0) {
-            const int null = ::open("/dev/null", O_WRONLY);
-            ::dup2(null, STDOUT_FILENO);
-            ::dup2(null, STDERR_FILENO);
-            ::execl(g_program.c_str(), g_program.c_str(), kService, static_cast<char*>(nullptr));
-            ::_exit(127);
-        }
-        const auto deadline = Clock::now() + std::chrono::seconds(10);
-        for (;;) {
-            unsigned int handle = NK_INVALID_HANDLE;
-            unsigned int riid = NK_INVALID_RIID;
-            if (KnCmConnect(kService, "NkISM", 1000, &handle, &riid) == 0) {
-                KnHandleClose(handle);
-                break;
-            }
-            if (Clock::now() > deadline) {
-                return;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    Service() : m_process({g_program, kService}, "/dev/null") {
+        m_pid = m_process.Pid();
+        const bool serving = hos::platform::testing::WaitUntil(
+            [] {
+                unsigned int handle = NK_INVALID_HANDLE;
+                unsigned int riid = NK_INVALID_RIID;
+                const bool connected = KnCmConnect(kService, "NkISM", 1000, &handle, &riid) == 0;
+                if (connected) {
+                    KnHandleClose(handle);
+                }
+                return connected;
+            },
+            std::chrono::seconds(10));
+        if (!serving) {
+            return;
         }
         started = StatusKb(m_pid, "VmRSS");
         RawIsm writer(kService);
@@ -106,12 +103,6 @@ public:
     }
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
-    ~Service() {
-        if (m_pid > 0) {
-            ::kill(m_pid, SIGKILL);
-            ::waitpid(m_pid, nullptr, 0);
-        }
-    }
 
     pid_t Pid() const { return m_pid; }
     long started = -1;  // kB
@@ -119,6 +110,7 @@ public:
 
 private:
     hos::platform::testing::ScopedRuntimeDirectory m_directory;
+    hl::hosted_session::ChildProcess m_process;  // killed and reaped with the object
     pid_t m_pid = -1;
 };
 
