@@ -26,7 +26,7 @@ using namespace std::chrono_literals;
 
 // The real hl-appmgr, its log on the standard output that the test reads, serving until the test ends
 // (its application ends with the test's end of the manager's input).
-// `shellLimits` runs before it in the shell that starts it (as "ulimit -n 128").
+// `shellLimits` runs before it in the shell that starts it (as "ulimit -n 256").
 std::unique_ptr<testing::PeerProcess> StartManager(const std::string& shellLimits = {}) {
     return testing::PeerProcess::Start(
         {"/bin/sh", "-c",
