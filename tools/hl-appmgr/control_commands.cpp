@@ -171,7 +171,8 @@ int Status(const std::string& name, bool json) {
     if (!table) {
         return Refusal("status", name, rc);
     }
-    const std::string text = json ? StatusToJson(*table) : FormatStatusText(*table, !name.empty(), hl::cli::ColorEnabled(STDOUT_FILENO));
+    const bool color = hl::cli::ColorEnabled(STDOUT_FILENO);
+    const std::string text = json ? StatusToJson(*table) : FormatStatusText(*table, !name.empty(), color);
     std::fputs(text.c_str(), stdout);
     for (const AppStatus& app : table->apps) {
         if (!IsActive(app.state)) {
